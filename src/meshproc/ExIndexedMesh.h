@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+
+#include "meshproc/IndexedMesh.h"
+#include "report/ExportUserInterface.h"
+
+namespace orv {
+
+// The indexed mesh as the exporter builds it: BuildChunks once, then PrepareChunk for each chunk
+// just before it is written.
+class ExIndexedMesh : public IndexedMesh {
+ public:
+  // One chunk per material, welded, split under the mesh limits (32000 vertices, 32000 indices,
+  // 16 bones), with per-chunk influences when the mesh is skinned. False, with an error logged,
+  // when an index does not fit into 16 bits; the chunks then stand as far as they were built.
+  bool BuildChunks(const GenericMesh& mesh, bool buildNeighbourInfo, bool useDefaultColors,
+                   ExportUserInterface& ui);
+
+  // Tangents for a ".tbump" material, index order for those and, when optimise is set, for every
+  // other; face normals are then computed afresh.
+  void PrepareChunk(size_t chunk, bool optimise);
+
+  size_t TotalVertexCount() const;
+  size_t TotalTriangleCount() const;
+
+  bool m_useDefaultColors = false;  // the writer then writes fixed material colours
+
+ private:
+  void GenerateTangents(size_t chunk);
+  void OptimiseIndexOrder(size_t chunk);
+};
+
+// Cross(p1 - p0, p2 - p0) at unit length; (0, 0, 1) for a triangle of zero area.
+std::vector<Vec3> ComputeFaceNormals(const IndexedMesh::Chunk& chunk);
+
+// Square metres.
+float ComputeSurfaceArea(const IndexedMesh::Chunk& chunk);
+
+}  // namespace orv

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+
+// The services the plug-in needs of the operating system; one implementation per system, chosen
+// by CMake. Paths go in and come out in the exporter's own form (see ExString.h).
+namespace orv::platform {
+
+// The text of a string-table entry; "" for an id the table lacks.
+std::string ResourceString(unsigned id);
+
+// Where programs keep the user's settings; nothing when the system cannot say.
+std::optional<std::string> ApplicationDataFolder();
+
+// Creates the folder and those above it. An existing folder is fine; failure is not reported.
+void CreateFolders(const std::string& folder);
+
+// Full path of the program that has loaded the plug-in.
+std::string HostExecutablePath();
+
+enum class Buttons { Ok, YesNo };
+enum class Icon { Error, Warning, Information, Question };
+
+// A modal box without owner; returns true when the user answers Yes. Without a way to show
+// one the text goes to standard error and the answer is no.
+bool ShowMessageBox(const char* text, const char* caption, Buttons buttons, Icon icon);
+
+// The modal About box. owner: the host's window handle, or null.
+void ShowAboutBox(void* owner, void* creationParameter);
+
+// Copies one file. silent: no progress window, no error box, no question; noQuestions: no error
+// box, no question. Returns whether the file arrived.
+bool CopyOneFile(const std::string& from, const std::string& to, bool noQuestions, bool silent);
+
+// Asks for an existing event file ("*.evt"); nothing when the user cancels.
+std::optional<std::string> PickEventFile();
+
+// The path as the file system takes it: on systems with "/" alone, every "\\" becomes "/".
+std::string NativePath(const std::string& path);
+
+bool FileExists(const std::string& path);
+bool IsWritable(const std::string& path);
+bool RemoveFile(const std::string& path);
+bool IsSameFile(const std::string& a, const std::string& b);
+
+// Opens an existing or new file for writing without changing it, to learn whether that is allowed,
+// and closes it again; a file created by the test is removed. Returns the system's reason, "" if
+// allowed.
+std::string WhyNotWritable(const std::string& path);
+
+// Renames over an existing file in one step; false when the system refuses.
+bool ReplaceFile(const std::string& from, const std::string& to);
+
+}  // namespace orv::platform

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "scene/Vector.h"
+
+namespace orv {
+
+// A bone hierarchy. Where the transforms come from is the subclass's: the host at the current
+// sampling time, or a file. World space; positions in host units, rotations without scale.
+class GenericSkeleton {
+ public:
+  class Node {
+   public:
+    virtual ~Node() = default;
+    virtual const char* Name() const = 0;
+    virtual Vec3 Position() const = 0;
+    virtual Quaternion Rotation() const = 0;
+
+    std::vector<std::unique_ptr<Node>> m_children;  // in the order they were added
+  };
+
+  virtual ~GenericSkeleton() = default;
+
+  // Sets the time at which all nodes answer. One time for the whole process: only one skeleton
+  // can be sampled at once.
+  virtual void SetFrame(int /*frame*/) {}
+
+  std::unique_ptr<Node> m_root;  // null: no bones
+};
+
+}  // namespace orv

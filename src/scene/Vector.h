@@ -1,0 +1,44 @@
+#pragma once
+
+#include <array>
+
+namespace orv {
+
+struct Vec2 {
+  float u = 0, v = 0;
+};
+
+struct Vec3 {
+  float x = 0, y = 0, z = 0;
+
+  friend Vec3 operator+(Vec3 a, Vec3 b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+  friend Vec3 operator-(Vec3 a, Vec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+  friend Vec3 operator*(Vec3 a, float s) { return {a.x * s, a.y * s, a.z * s}; }
+  bool operator==(const Vec3&) const = default;
+};
+
+float Dot(Vec3 a, Vec3 b);
+Vec3 Cross(Vec3 a, Vec3 b);
+float Length(Vec3 a);
+
+using Matrix33 = std::array<Vec3, 3>;  // rows
+
+// Row vectors: a point p becomes p x rows 0 to 2 plus row 3.
+struct Matrix43 {
+  std::array<Vec3, 4> rows{Vec3{1, 0, 0}, Vec3{0, 1, 0}, Vec3{0, 0, 1}, Vec3{0, 0, 0}};
+
+  Vec3 TransformPoint(Vec3 p) const;
+  Vec3 TransformVector(Vec3 v) const;  // without the translation row
+};
+
+// The host's left-hand rule: the matrix with rows (0,1,0), (-1,0,0), (0,0,1) is the quaternion
+// (0, 0, -0.70710678, 0.70710678), and Quat(A B) = Quat(A) Quat(B), A first.
+struct Quaternion {
+  float x = 0, y = 0, z = 0, w = 1;
+};
+
+Quaternion Conjugate(Quaternion q);
+Quaternion operator*(Quaternion a, Quaternion b);  // a first
+Matrix33 RotationRows(Quaternion q);
+
+}  // namespace orv
