@@ -1,0 +1,22 @@
+// The usual core set. What is apart: iparamb2.h, stdmat.h, bmmlib.h, modstack.h, phyexp.h.
+#pragma once
+
+#include "animtbl.h"
+#include "color.h"
+#include "impexp.h"
+#include "imtl.h"
+#include "inode.h"
+#include "matrix3.h"
+#include "maxapi.h"
+#include "maxheap.h"
+#include "maxtypes.h"
+#include "mesh.h"
+#include "object.h"
+#include "plugapi.h"
+#include "point2.h"
+#include "point3.h"
+#include "quat.h"
+#include "strclass.h"
+#include "tab.h"
+#include "triobj.h"
+#include "units.h"
