@@ -1,7 +1,8 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "scene/Vector.h"
@@ -29,6 +30,23 @@ class GenericSkeleton {
   virtual void SetFrame(int /*frame*/) {}
 
   std::unique_ptr<Node> m_root;  // null: no bones
+};
+
+// A skeleton read from a file: each bone answers the values it was given last, whatever the frame.
+class ExGenericSkeleton : public GenericSkeleton {
+ public:
+  class Node : public GenericSkeleton::Node {
+   public:
+    explicit Node(std::string name, Vec3 position = {}, Quaternion rotation = {})
+        : m_name(std::move(name)), m_position(position), m_rotation(rotation) {}
+    const char* Name() const override { return m_name.c_str(); }
+    Vec3 Position() const override { return m_position; }
+    Quaternion Rotation() const override { return m_rotation; }
+
+    std::string m_name;
+    Vec3 m_position;
+    Quaternion m_rotation;
+  };
 };
 
 }  // namespace orv

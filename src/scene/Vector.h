@@ -23,6 +23,9 @@ float Length(Vec3 a);
 
 using Matrix33 = std::array<Vec3, 3>;  // rows
 
+Vec3 operator*(Vec3 v, const Matrix33& m);  // row vector times matrix
+Matrix33 Transpose(const Matrix33& m);      // of a rotation: its inverse
+
 // Row vectors: a point p becomes p x rows 0 to 2 plus row 3.
 struct Matrix43 {
   std::array<Vec3, 4> rows{Vec3{1, 0, 0}, Vec3{0, 1, 0}, Vec3{0, 0, 1}, Vec3{0, 0, 0}};
@@ -39,6 +42,6 @@ struct Quaternion {
 
 Quaternion Conjugate(Quaternion q);
 Quaternion operator*(Quaternion a, Quaternion b);  // a first
-Matrix33 RotationRows(Quaternion q);
+Matrix33 RotationRows(Quaternion q);               // the matrix of a unit quaternion
 
 }  // namespace orv
