@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <map>
+#include <random>
+#include <set>
+#include <vector>
+
+#include "meshproc/IndexOptimizer.h"
+
+namespace orv {
+namespace {
+
+using Indices = std::vector<uint16_t>;
+using Triangle = std::array<uint16_t, 3>;
+
+std::vector<Triangle> TrianglesOf(const Indices& indices) {
+  std::vector<Triangle> triangles;
+  for (size_t i = 0; i < indices.size(); i += 3)
+    triangles.push_back({indices[i], indices[i + 1], indices[i + 2]});
+  return triangles;
+}
+
+// Each triangle that is not degenerate, corners in order, once.
+std::vector<Triangle> Expected(const Indices& indices) {
+  std::set<Triangle> kept;
+  for (const Triangle& t : TrianglesOf(indices))
+    if (t[0] != t[1] && t[1] != t[2] && t[2] != t[0]) kept.insert(t);
+  return {kept.begin(), kept.end()};
+}
+
+void ExpectSameTriangles(const Indices& input) {
+  const Indices output = OptimizeTriangleOrder(input);
+  ASSERT_EQ(output.size() % 3, 0u);
+  std::vector<Triangle> triangles = TrianglesOf(output);
+  std::sort(triangles.begin(), triangles.end());
+  EXPECT_EQ(triangles, Expected(input));
+  EXPECT_EQ(output, OptimizeTriangleOrder(input)) << "the order depends on more than the input";
+}
+
+[[maybe_unused]] double MissesPerTriangle(const Indices& indices, size_t cacheSize) {
+  std::vector<uint16_t> cache;
+  size_t misses = 0;
+  for (const uint16_t index : indices) {
+    if (std::find(cache.begin(), cache.end(), index) != cache.end()) continue;
+    ++misses;
+    cache.insert(cache.begin(), index);
+    if (cache.size() > cacheSize) cache.pop_back();
+  }
+  return static_cast<double>(misses) / static_cast<double>(indices.size() / 3);
+}
+
+// Two triangles per cell, each turned by a different number of corners.
+Indices Grid(int columns, int rows) {
+  Indices indices;
+  const auto add = [&](std::array<int, 3> corners, int turn) {
+    for (int i = 0; i < 3; ++i) indices.push_back(static_cast<uint16_t>(corners[(i + turn) % 3]));
+  };
+  for (int y = 0; y < rows; ++y) {
+    for (int x = 0; x < columns; ++x) {
+      const int corner = y * (columns + 1) + x;
+      add({corner, corner + 1, corner + columns + 1}, x % 3);
+      add({corner + 1, corner + columns + 2, corner + columns + 1}, (x + y) % 3);
+    }
+  }
+  return indices;
+}
+
+Indices Shuffled(const Indices& indices, uint32_t seed) {
+  std::vector<Triangle> triangles = TrianglesOf(indices);
+  std::mt19937 random(seed);
+  for (size_t i = triangles.size(); i > 1; --i)
+    std::swap(triangles[i - 1], triangles[random() % i]);
+  Indices shuffled;
+  for (const Triangle& t : triangles) shuffled.insert(shuffled.end(), t.begin(), t.end());
+  return shuffled;
+}
+
+TEST(IndexOrder, KeepsTheTrianglesOfSmallLists) {
+  const std::vector<Indices> cases = {
+      {},
+      {0, 1, 2},
+      {2, 0, 1},
+      {5, 5, 5},
+      {1, 1, 2},
+      {65535, 0, 65534},
+      {0, 1, 2, 3, 4, 5},                             // two pieces
+      {0, 1, 2, 0, 1, 2},                             // a repetition
+      {0, 1, 2, 1, 2, 0, 2, 0, 1, 0, 2, 1},           // rotated and turned over: all kept
+      {0, 1, 2, 0, 1, 3, 0, 1, 4, 1, 0, 5, 0, 1, 6},  // five on an edge
+      {0, 1, 1, 0, 1, 2, 1, 1, 1, 0, 1, 1, 0, 1, 2},  // degenerate ones between
+  };
+  for (const Indices& input : cases) {
+    SCOPED_TRACE(testing::PrintToString(input));
+    ExpectSameTriangles(input);
+  }
+}
+
+TEST(IndexOrder, KeepsTheTrianglesOfRandomLists) {
+  std::mt19937 random(7);
+  for (int round = 0; round < 400; ++round) {
+    SCOPED_TRACE(round);
+    // Few vertices give repetitions, degenerate triangles and crowded edges; many give loose ones.
+    const uint32_t vertexCount = 1 + random() % (round % 4 == 0 ? 65536 : 40);
+    const uint32_t spread = 65535 / vertexCount;
+    Indices input(3 * (random() % 300));
+    for (uint16_t& index : input) index = static_cast<uint16_t>(random() % vertexCount * spread);
+    ExpectSameTriangles(input);
+  }
+}
+
+TEST(IndexOrder, KeepsTheTrianglesOfPlantedMeshes) {
+  std::mt19937 random(11);
+  for (int round = 0; round < 60; ++round) {
+    SCOPED_TRACE(round);
+    Indices input = Shuffled(Grid(1 + random() % 30, 1 + random() % 30), random());
+    for (int i = random() % 8; i > 0; --i) input[random() % input.size()] = random() % 40;
+    ExpectSameTriangles(input);
+  }
+}
+
+TEST(IndexOrder, TakesAFanOfEveryVertexInItsStride) {
+  Indices fan;
+  for (uint32_t i = 1; i < 65535; ++i)
+    fan.insert(fan.end(), {0, static_cast<uint16_t>(i), static_cast<uint16_t>(i + 1)});
+  const Indices input = Shuffled(fan, 3);
+  Indices doubled = input;
+  doubled.insert(doubled.end(), input.begin(), input.end());
+  const Indices output = OptimizeTriangleOrder(doubled);
+  EXPECT_EQ(output.size(), fan.size());
+}
+
+}  // namespace
+}  // namespace orv
