@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "SceneFile.h"
+
+namespace orv::cli {
+
+enum ExitStatus : int {
+  kStatusSuccess = 0,  // every file asked for was written, no error was logged
+  kStatusErrorsLogged = 1,
+  kStatusBadUsage = 2,     // or the scene cannot be read
+  kStatusFileMissing = 3,  // a file that was asked for was not written
+};
+
+struct ExportArguments {
+  std::string scene;
+  std::string output;
+  std::vector<std::string> select;
+  std::vector<std::string> hide;
+  host::SceneSettings sceneSettings;
+  std::string settingsFolder;
+  std::string eventFile;
+  bool noGeometry = false;
+  bool noAnimation = false;
+  bool collectTextures = false;
+  bool defaultColors = false;
+  bool flipGreen = false;
+  bool forceTextures = false;
+  bool quiet = false;
+};
+
+int RunExportCommand(ExportArguments arguments);
+int RunPluginCommand();
+
+}  // namespace orv::cli

@@ -1,0 +1,182 @@
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <memory>
+#include <optional>
+
+#include "Commands.h"
+#include "MemoryHost.h"
+#include "PluginLibrary.h"
+#include "Suggest.h"
+#include "Terminal.h"
+#include "TerminalDialogs.h"
+#include "platform/ExString.h"
+
+namespace orv::cli {
+namespace {
+
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+// The path that both outputs share, up to their extensions; with a folder, so that the exporter
+// has one to put textures in.
+std::string OutputStem(const ExportArguments& arguments) {
+  std::string stem = arguments.output;
+  if (stem.empty()) stem = BaseNamePart(arguments.scene);
+  for (const std::string_view extension : {".im", ".kin"}) {
+    if (stem.size() > extension.size() &&
+        EqualIgnoringCase(std::string_view(stem).substr(stem.size() - extension.size()),
+                          extension)) {
+      stem.resize(stem.size() - extension.size());
+      break;
+    }
+  }
+  if (FileNamePart(stem).size() == stem.size()) stem.insert(0, "./");
+  return stem;
+}
+
+// A folder that is gone at the end of the run.
+class PrivateFolder {
+ public:
+  PrivateFolder() {
+    std::string name = (std::filesystem::temp_directory_path() / "orv-XXXXXX").string();
+    if (!mkdtemp(name.data())) throw std::runtime_error("cannot create a folder like " + name);
+    m_path = name;
+  }
+  ~PrivateFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(m_path, ignored);
+  }
+  PrivateFolder(const PrivateFolder&) = delete;
+  const std::string& Path() const { return m_path; }
+
+ private:
+  std::string m_path;
+};
+
+// Tells whether a file has been written since: a new one has another inode or another time.
+class FileWatch {
+ public:
+  explicit FileWatch(std::string path) : m_path(std::move(path)), m_before(Look()) {}
+  const std::string& Path() const { return m_path; }
+  std::optional<uintmax_t> SizeWhenWritten() const {
+    const State now = Look();
+    if (!now.exists || now == m_before) return std::nullopt;
+    return now.size;
+  }
+
+ private:
+  struct State {
+    bool exists = false;
+    uintmax_t inode = 0, size = 0;
+    int64_t seconds = 0, nanoseconds = 0;
+    bool operator==(const State&) const = default;
+  };
+  State Look() const {
+    struct stat status {};
+    if (stat(m_path.c_str(), &status) != 0) return {};
+    return {true, status.st_ino, static_cast<uintmax_t>(status.st_size), status.st_mtim.tv_sec,
+            status.st_mtim.tv_nsec};
+  }
+
+  std::string m_path;
+  State m_before;
+};
+
+void ApplyTo(Options& options, const ExportArguments& arguments) {
+  if (arguments.noGeometry) options.m_exportGeometry = false;
+  if (arguments.noAnimation) options.m_exportAnimation = false;
+  if (arguments.collectTextures) options.m_collectTextures = true;
+  if (arguments.defaultColors) options.m_useDefaultColors = true;
+  if (arguments.flipGreen) options.m_normalMapFlipGreen = true;
+  if (arguments.forceTextures) options.m_forceTxtOverwrite = true;
+  options.m_eventFileName = arguments.eventFile.c_str();
+}
+
+void MarkNodes(host::Scene& scene, const ExportArguments& arguments) {
+  const auto mark = [&](const std::string& name, bool found) {
+    if (found) return;
+    throw UsageError(arguments.scene + ": has no node '" + name + "'." +
+                     DidYouMean(name, scene.NodeNames()));
+  };
+  for (const std::string& name : arguments.select) mark(name, scene.Select(name));
+  for (const std::string& name : arguments.hide) mark(name, scene.Hide(name));
+}
+
+void CheckEventFile(const std::string& path) {
+  if (!path.empty() && !std::ifstream(path).is_open())
+    throw UsageError(path + ": cannot be read as an event file");
+}
+
+// Runs the export in the plug-in; what it says goes to the dialogs.
+void RunPlugin(host::Scene& scene, const std::string& name, const std::string& settingsFolder,
+               Terminal& terminal, TerminalDialogs& dialogs) {
+  host::MemoryHost memoryHost(scene);
+  memoryHost.SetProgressSink(
+      [&](int percent, const char* title) { terminal.ShowProgress(percent, title); });
+  PluginLibrary library;
+  HostServices services;
+  services.core = &memoryHost;
+  services.dialogs = &dialogs;
+  services.settingsFolder = settingsFolder.c_str();
+  if (!library.UseHostServices(&services)) throw PluginError("the plug-in is of another version");
+  const std::unique_ptr<SceneExport> exporter(
+      static_cast<SceneExport*>(library.LibClassDesc(0)->Create()));
+  exporter->DoExport(name.c_str(), nullptr, &memoryHost, FALSE, 0);
+}
+
+// Says what became of each file; the exit status of the run.
+int Conclude(const std::vector<FileWatch>& files, const TerminalDialogs& dialogs, bool quiet) {
+  int status = dialogs.ErrorCount() > 0 ? kStatusErrorsLogged : kStatusSuccess;
+  for (const FileWatch& file : files) {
+    const std::optional<uintmax_t> size = file.SizeWhenWritten();
+    if (!size) {
+      std::cerr << "orv: " << file.Path() << " was not written";
+      if (!dialogs.LastProblem().empty()) std::cerr << ": " << dialogs.LastProblem();
+      std::cerr << '\n';
+      status = kStatusFileMissing;
+    } else if (!quiet) {
+      std::cout << file.Path() << " (" << *size << " bytes)\n";
+    }
+  }
+  return status;
+}
+
+int Export(ExportArguments& arguments) {
+  const std::string stem = OutputStem(arguments);
+  arguments.sceneSettings.exportFolder = stem.substr(0, stem.size() - FileNamePart(stem).size());
+  CheckEventFile(arguments.eventFile);
+  Terminal terminal(arguments.quiet);
+  const std::unique_ptr<host::Scene> scene =
+      host::OpenScene(arguments.scene, arguments.sceneSettings);
+  MarkNodes(*scene, arguments);
+  for (const std::string& warning : scene->Warnings()) terminal.Log(Severity::Warning, warning);
+
+  std::optional<PrivateFolder> privateSettings;
+  if (arguments.settingsFolder.empty()) arguments.settingsFolder = privateSettings.emplace().Path();
+  std::vector<FileWatch> files;
+  if (!arguments.noGeometry) files.emplace_back(stem + ".im");
+  if (!arguments.noAnimation) files.emplace_back(stem + ".kin");
+  TerminalDialogs dialogs(terminal, [&](Options& options) { ApplyTo(options, arguments); });
+  RunPlugin(*scene, stem + ".im", arguments.settingsFolder, terminal, dialogs);
+  return Conclude(files, dialogs, arguments.quiet);
+}
+
+}  // namespace
+
+int RunExportCommand(ExportArguments arguments) {
+  try {
+    return Export(arguments);
+  } catch (const UsageError& error) {
+    std::cerr << "orv: " << error.what() << '\n';
+  } catch (const host::SceneError& error) {
+    std::cerr << "orv: " << error.what() << '\n';
+  }
+  return kStatusBadUsage;
+}
+
+}  // namespace orv::cli

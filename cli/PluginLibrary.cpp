@@ -1,0 +1,34 @@
+#include "PluginLibrary.h"
+
+#include <dlfcn.h>
+
+#include "platform/ExString.h"
+#include "platform/Platform.h"
+
+namespace orv::cli {
+
+PluginLibrary::PluginLibrary() {
+  const std::string program = platform::HostExecutablePath();
+  m_path = program.substr(0, program.size() - FileNamePart(program).size()) + "OrvExporter.dle";
+  m_library = dlopen(m_path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!m_library) throw PluginError(std::string("cannot load the plug-in: ") + dlerror());
+  Find("LibDescription", LibDescription);
+  Find("LibNumberClasses", LibNumberClasses);
+  Find("LibClassDesc", LibClassDesc);
+  Find("LibVersion", LibVersion);
+  Find("CanAutoDefer", CanAutoDefer);
+  Find("UseHostServices", UseHostServices);
+}
+
+// The library stays loaded: exporter objects and texts of its own may still be about.
+PluginLibrary::~PluginLibrary() {
+  UseHostServices(nullptr);
+}
+
+template <typename Function>
+void PluginLibrary::Find(const char* name, Function*& function) {
+  function = reinterpret_cast<Function*>(dlsym(m_library, name));
+  if (!function) throw PluginError(m_path + ": lacks the entry point " + name);
+}
+
+}  // namespace orv::cli

@@ -1,0 +1,168 @@
+// The command line: a host without a window that loads the plug-in library and drives it.
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+
+#include "Commands.h"
+#include "Suggest.h"
+
+namespace orv::cli {
+namespace {
+
+constexpr char kDescription[] =
+    "Turns a 3D scene into model (.im) and animation (.kin) files for the engine, with the same "
+    "plug-in that 3ds Max loads.";
+
+std::pair<int, int> ParseFrames(const std::string& text) {
+  int first = 0, last = 0;
+  char rest = 0;
+  if (std::sscanf(text.c_str(), "%d:%d%c", &first, &last, &rest) != 2)
+    throw CLI::ValidationError("--frames", "expects FIRST:LAST, for example 0:40");
+  if (last < first)
+    throw CLI::ValidationError("--frames", "the last frame stands before the first");
+  return {first, last};
+}
+
+void AddSceneOptions(CLI::App& command, ExportArguments& arguments) {
+  host::SceneSettings& scene = arguments.sceneSettings;
+  command.add_option("--select", arguments.select, "Export only this node and what is below it")
+      ->type_name("NAME")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command.add_option("--hide", arguments.hide, "Leave this node out (its children stay)")
+      ->type_name("NAME")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command.add_option("--unit", scene.metresPerUnit, "Metres per unit, whatever the file says")
+      ->type_name("METRES")
+      ->check(CLI::PositiveNumber);
+  command.add_option("--up", scene.upAxis, "The file's up axis, whatever the file says")
+      ->type_name("y|z")
+      ->check(CLI::IsMember({"y", "z"}, CLI::ignore_case));
+  command
+      .add_option("--textures", scene.textureFolders,
+                  "Look for textures here too, after the scene's own folder")
+      ->type_name("DIR")
+      ->expected(1)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  command
+      .add_option("--default-material", scene.defaultMaterial,
+                  "Give parts without a material a plain one of this name")
+      ->type_name("NAME");
+}
+
+void AddAnimationOptions(CLI::App& command, ExportArguments& arguments) {
+  host::SceneSettings& scene = arguments.sceneSettings;
+  command
+      .add_option_function<std::string>(
+          "--frames", [&scene](const std::string& text) { scene.frames = ParseFrames(text); },
+          "Frames to export, both ends included (default: the whole animation)")
+      ->type_name("FIRST:LAST");
+  command
+      .add_option("--fps", scene.framesPerSecond,
+                  "Frames per second (default: what the file says, else 30)")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1000));
+  command
+      .add_option("--animation", scene.animation,
+                  "Which of the file's animations (default: the first)")
+      ->type_name("NAME");
+  command.add_option("--events", arguments.eventFile, "Event file (.evt) for the animation")
+      ->type_name("FILE");
+  command.add_flag("--joints-as-bones", scene.jointsAsBones,
+                   "Treat the skin's joints as bones: puts \"b.\" before their names");
+}
+
+void AddExportCommand(CLI::App& app, ExportArguments& arguments) {
+  CLI::App& command = *app.add_subcommand("export", "Export a scene: writes OUT.im and OUT.kin");
+  command.add_option("SCENE", arguments.scene, "The scene: glTF, FBX, 3DS, ASE, Collada, OBJ ...")
+      ->required();
+  command
+      .add_option("-o,--output", arguments.output,
+                  "Name of the files to write; \".im\" or \".kin\" at its end is cut "
+                  "(default: the scene's name, in this folder)")
+      ->type_name("OUT");
+  AddSceneOptions(command, arguments);
+  AddAnimationOptions(command, arguments);
+  command.add_flag("--no-geometry", arguments.noGeometry, "Write no .im file");
+  command.add_flag("--no-animation", arguments.noAnimation, "Write no .kin file");
+  command.add_flag("--collect-textures", arguments.collectTextures,
+                   "Copy the textures beside the .im file");
+  command.add_flag("--default-colors", arguments.defaultColors,
+                   "Write white materials instead of the scene's colours");
+  command.add_flag("--flip-green", arguments.flipGreen,
+                   "Have the engine flip the green channel of normal maps");
+  command.add_flag("--force-textures", arguments.forceTextures,
+                   "Overwrite .texture.txt files that are there already");
+  command
+      .add_option("--settings", arguments.settingsFolder,
+                  "Keep the exporter's options file in this folder (default: forget them)")
+      ->type_name("DIR");
+  command.add_flag("-q,--quiet", arguments.quiet, "Show errors and the summary only");
+  command.footer(
+      "Exit status: 0 all written, no errors; 1 written, but the log has errors;\n"
+      "2 wrong usage or unreadable scene; 3 a file that was asked for is missing.");
+}
+
+std::vector<std::string> OptionNames(const CLI::App& command) {
+  std::vector<std::string> names;
+  for (const CLI::Option* option : command.get_options())
+    for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+  return names;
+}
+
+// The first word that nobody understood; none: true.
+bool AllUnderstood(const CLI::App& app) {
+  for (const CLI::App* command : app.get_subcommands()) {
+    for (const std::string& word : command->remaining()) {
+      std::cerr << "orv " << command->get_name() << ": does not know '" << word << "'."
+                << DidYouMean(word, OptionNames(*command)) << " See orv " << command->get_name()
+                << " --help.\n";
+      return false;
+    }
+  }
+  return true;
+}
+
+bool KnowsCommand(const CLI::App& app, const std::string& word) {
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+  if (word.starts_with("-") || std::find(names.begin(), names.end(), word) != names.end())
+    return true;
+  std::cerr << "orv: there is no command '" << word << "'." << DidYouMean(word, names)
+            << " See orv --help.\n";
+  return false;
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app(kDescription, "orv");
+  app.set_version_flag("--version", "orv 1.0.0");
+  ExportArguments arguments;
+  AddExportCommand(app, arguments);
+  app.add_subcommand("plugin", "Show what the plug-in library tells a host of itself");
+  app.require_subcommand(1);
+  for (CLI::App* command : app.get_subcommands({})) command->allow_extras();
+  if (argc > 1 && !KnowsCommand(app, argv[1])) return kStatusBadUsage;
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kStatusSuccess : kStatusBadUsage;
+  }
+  if (!AllUnderstood(app)) return kStatusBadUsage;
+  return app.got_subcommand("export") ? RunExportCommand(std::move(arguments)) : RunPluginCommand();
+}
+
+}  // namespace
+}  // namespace orv::cli
+
+int main(int argc, char** argv) {
+  try {
+    return orv::cli::Run(argc, argv);
+  } catch (const std::exception& error) {
+    std::cerr << "orv: " << error.what() << '\n';
+    return orv::cli::kStatusFileMissing;
+  }
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "options/Options.h"
+#include "report/ExportUserInterface.h"
+
+namespace orv {
+
+// The button a user pressed in the extended question box.
+enum class ButtonResult { None = 0, Yes = 1, YesToAll = 2, No = 3, NoToAll = 4, Cancel = 5 };
+
+// The windows of an export as one interface: the plug-in's own, or those of a host that brings
+// its own. All calls come from the thread that called DoExport. owner: the host's main window,
+// its handle cut to an int.
+class ExportDialogs {
+ public:
+  virtual ~ExportDialogs() = default;
+
+  // Edits the options in place; false when the user cancels.
+  virtual bool ShowOptions(int owner, Options& options) = 0;
+
+  virtual void OpenLog(int owner) = 0;
+  virtual void Log(Severity severity, const char* text) = 0;  // one line, also without a window
+  virtual void WaitForLogClosed(int owner) = 0;
+  virtual void CloseLog() = 0;
+
+  virtual ButtonResult Ask(const char* caption, const char* text) = 0;
+  virtual bool CanPrompt() = 0;  // false: nobody is there to answer Ask
+};
+
+}  // namespace orv

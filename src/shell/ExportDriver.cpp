@@ -1,0 +1,165 @@
+// OrvExporter::DoExport and its steps.
+
+#include <cstdint>
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bmmlib.h"
+
+#include "options/Options.h"
+#include "platform/Platform.h"
+#include "scene/SideFiles.h"
+#include "shell/ManageDialog.h"
+#include "shell/MaxExportUserInterface.h"
+#include "shell/OrvExporter.h"
+#include "shell/ResourceText.h"
+
+namespace orv {
+namespace {
+
+int OwnerWindow(Interface* host) {
+  return static_cast<int>(reinterpret_cast<intptr_t>(host->GetMAXHWnd()));
+}
+
+// The chosen name with another extension. Kept: the cut is at the last "." of the whole path, a
+// folder's too. Pinned by ExportDriver.NamesAreCutAtTheLastDotOfTheWholePath.
+ExString OutputName(const TCHAR* name, const char* extension) {
+  return ExString(name).StripExtension().Append(extension);
+}
+
+// The frames the host's time slider spans; the dialog starts from all of them.
+void SeedFrameRange(Options& options, Interval range) {
+  const int ticksPerFrame = GetTicksPerFrame();
+  options.m_animationStartFrame = range.Start() / ticksPerFrame;
+  options.m_animationEndFrame = range.End() / ticksPerFrame;
+  options.m_exportStartFrame = options.m_animationStartFrame;
+  options.m_exportEndFrame = options.m_animationEndFrame;
+}
+
+void LogError(const char* text) {
+  ManageDialog::LogErrorText(std::string(text).substr(0, 1023).c_str());
+}
+
+void LogSummary() {
+  char text[1024];
+  std::snprintf(text, sizeof(text), "Export completed with %d Errors and %d Warnings.",
+                ManageDialog::s_numErrors, ManageDialog::s_numWarnings);
+  if (ManageDialog::s_numErrors > 0) {
+    ManageDialog::LogErrorText(text);
+  } else if (ManageDialog::s_numWarnings > 0) {
+    ManageDialog::LogWarningText(text);
+  } else {
+    ManageDialog::LogInfoText(text);
+  }
+}
+
+// The name in full when the host finds the bitmap, else as it is.
+std::string FindBitmap(const std::string& name) {
+  BitmapInfo bitmap;
+  bitmap.SetName(name.c_str());
+  BMMGetFullFilename(&bitmap);
+  return bitmap.Name();
+}
+
+}  // namespace
+
+int OrvExporter::DoExport(const TCHAR* name, ExpInterface* /*ei*/, Interface* host,
+                          BOOL /*suppressPrompts*/, DWORD options) {
+  m_host = host;
+  bool succeeded = true;
+  try {
+    if (!m_geometry || !m_animation) throw kUnhandledException;
+    const ExString optionsPath = OptionsPath();
+    Options& settings = Options::Instance();
+    if (!settings.Load(optionsPath.CStr())) settings.Reset();
+    SeedFrameRange(settings, host->GetAnimRange());
+    if (!ManageDialog::ShowExporterDialog(OwnerWindow(host))) return 1;
+    settings.Save(optionsPath.CStr());
+    succeeded = RunExport(name, options);
+  } catch (const char* text) {
+    LogError(text ? text : "<NULL>");
+  } catch (...) {
+    LogError(kUnhandledException);
+  }
+  if (m_geometry) m_geometry->Clear();
+  if (m_animation) m_animation->Clear();
+  LogSummary();
+  ManageDialog::WaitForUserToCloseLogWindow(OwnerWindow(host));
+  ManageDialog::DestroyManagedResources();
+  return succeeded ? 1 : 0;
+}
+
+ExString OrvExporter::OptionsPath() const {
+  ExString folder = s_settingsFolder;
+  if (folder.IsEmpty()) {
+    const std::optional<std::string> applicationData = platform::ApplicationDataFolder();
+    if (!applicationData) {
+      folder = m_exporterFolder;
+      return folder.AppendPath("plugins", false).AppendPath("OrvExporter.xml", false);
+    }
+    folder = ExString(applicationData->c_str());
+  }
+  folder.AppendPath("Tamsk", false).AppendPath("VelmorOrvExporter", false);
+  folder.NormalizeSeparators('\\');
+  platform::CreateFolders(folder.CStr());
+  return folder.AppendPath("OrvExporter.xml", false);
+}
+
+bool OrvExporter::RunExport(const TCHAR* name, DWORD options) {
+  const Options& settings = Options::Instance();
+  MaxExportUserInterface ui(m_host);
+  ManageDialog::InitManagedResources();
+  ManageDialog::OpenLogWindow(OwnerWindow(m_host));
+  ManageDialog::LogInfoText("Exporting...");
+  ui.m_enableWarnings = settings.m_enableWarnings;
+  CollectNodes(options);
+  if (settings.m_exportGeometry && !ExportGeometry(name, ui)) return false;
+  if (settings.m_exportAnimation) ExportAnimation(name, ui);
+  return true;
+}
+
+// A selection limits the export, also when the user did not ask for the selected nodes alone.
+void OrvExporter::CollectNodes(DWORD options) {
+  if ((options & SCENE_EXPORT_SELECTED) || m_host->GetSelNodeCount() > 0) {
+    for (int k = 0; k < m_host->GetSelNodeCount(); ++k) WalkNode(m_host->GetSelNode(k), true);
+  } else {
+    WalkNode(m_host->GetRootNode(), false);
+  }
+}
+
+// Depth first, with a stack of its own: a scene's nesting is not bounded.
+void OrvExporter::WalkNode(INode* top, bool selectedOnly) {
+  const Options& settings = Options::Instance();
+  std::vector<INode*> waiting{top};
+  while (!waiting.empty()) {
+    INode* node = waiting.back();
+    waiting.pop_back();
+    if (!node->IsHidden(0, FALSE) && !node->IsFrozen()) {
+      if (settings.m_exportGeometry) m_geometry->AddNode(node, selectedOnly);
+      if (settings.m_exportAnimation) m_animation->AddNode(node, selectedOnly);
+    }
+    for (int c = node->NumberOfChildren(); c-- > 0;) waiting.push_back(node->GetChildNode(c));
+  }
+}
+
+bool OrvExporter::ExportGeometry(const TCHAR* name, ExportUserInterface& ui) {
+  if (!m_geometry->ExportGeometry(m_host, OutputName(name, ".im").CStr(), ui)) {
+    LogError(ResourceText(platform::kStringUnhandledError));
+    return false;
+  }
+  if (Options::Instance().m_collectTextures) {
+    const ExString folder = ExString(name).StripFileName();
+    CopyTextures(ui.Textures(), folder.CStr(), true, true, FindBitmap, ui);
+  }
+  return true;
+}
+
+void OrvExporter::ExportAnimation(const TCHAR* name, ExportUserInterface& ui) {
+  const Options& settings = Options::Instance();
+  m_animation->ExportAnimation(m_host, OutputName(name, ".kin").CStr(), settings.m_exportStartFrame,
+                               settings.m_exportEndFrame, ui);
+}
+
+}  // namespace orv

@@ -1,0 +1,96 @@
+#include "shell/OrvExporter.h"
+
+#include "platform/Platform.h"
+#include "shell/ResourceText.h"
+
+namespace orv {
+namespace {
+
+template <typename Body>
+void CatchAll(Body body) {
+  try {
+    body();
+  } catch (...) {
+    platform::ShowMessageBox(kUnhandledException, "Exception", platform::Buttons::Ok,
+                             platform::Icon::Error);
+  }
+}
+
+// The path up to and with its last separator.
+ExString FolderOf(const std::string& path) {
+  return ExString(std::string_view(path).substr(0, path.size() - FileNamePart(path).size()));
+}
+
+}  // namespace
+
+ExString OrvExporter::s_settingsFolder;
+
+OrvExporter::OrvExporter() {
+  CatchAll([this] {
+    m_exporterFolder = FolderOf(platform::HostExecutablePath());
+    m_geometry = std::make_unique<MaxExGeometryExporter>();
+    m_animation = std::make_unique<MaxExAnimationExporter>();
+  });
+}
+
+OrvExporter::~OrvExporter() {
+  CatchAll([this] {
+    m_geometry.reset();
+    m_animation.reset();
+  });
+}
+
+int OrvExporter::ExtCount() {
+  return 2;
+}
+
+const TCHAR* OrvExporter::Ext(int n) {
+  switch (n) {
+    case 0:
+      return "IM";
+    case 1:
+      return "KIN";
+    default:
+      return "";
+  }
+}
+
+const TCHAR* OrvExporter::LongDesc() {
+  static char s_buffer[256];
+  return ResourceText(platform::kStringLongDescription, s_buffer, sizeof(s_buffer));
+}
+
+const TCHAR* OrvExporter::ShortDesc() {
+  return ResourceText(platform::kStringShortDescription);
+}
+
+const TCHAR* OrvExporter::AuthorName() {
+  return ResourceText(platform::kStringAuthor);
+}
+
+const TCHAR* OrvExporter::CopyrightMessage() {
+  return ResourceText(platform::kStringCopyright);
+}
+
+const TCHAR* OrvExporter::OtherMessage1() {
+  return ResourceText(platform::kStringOther1);
+}
+
+const TCHAR* OrvExporter::OtherMessage2() {
+  static char s_buffer[256];
+  return ResourceText(platform::kStringOther2, s_buffer, sizeof(s_buffer));
+}
+
+unsigned int OrvExporter::Version() {
+  return 100;
+}
+
+void OrvExporter::ShowAbout(HWND owner) {
+  CatchAll([&] { platform::ShowAboutBox(owner, this); });
+}
+
+BOOL OrvExporter::SupportsOptions(int /*ext*/, DWORD options) {
+  return options & SCENE_EXPORT_SELECTED;
+}
+
+}  // namespace orv
