@@ -21,9 +21,7 @@ PluginLibrary::PluginLibrary() {
 }
 
 // The library stays loaded: exporter objects and texts of its own may still be about.
-PluginLibrary::~PluginLibrary() {
-  UseHostServices(nullptr);
-}
+PluginLibrary::~PluginLibrary() { UseHostServices(nullptr); }
 
 template <typename Function>
 void PluginLibrary::Find(const char* name, Function*& function) {

@@ -38,17 +38,13 @@ Terminal::Terminal(bool quiet) : m_quiet(quiet), m_isTerminal(isatty(STDERR_FILE
   m_colour = m_isTerminal && !(noColour && *noColour);
 }
 
-bool Terminal::InputIsTerminal() {
-  return isatty(STDIN_FILENO) != 0;
-}
+bool Terminal::InputIsTerminal() { return isatty(STDIN_FILENO) != 0; }
 
 void Terminal::Log(Severity severity, const std::string& text) {
   if (!m_quiet || severity == Severity::Error) Print(severity, LabelOf(severity), text);
 }
 
-void Terminal::Summary(Severity severity, const std::string& text) {
-  Print(severity, "", text);
-}
+void Terminal::Summary(Severity severity, const std::string& text) { Print(severity, "", text); }
 
 void Terminal::Print(Severity severity, const std::string& label, const std::string& text) {
   ClearProgress();

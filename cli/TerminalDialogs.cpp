@@ -5,9 +5,7 @@
 namespace orv::cli {
 namespace {
 
-bool IsSummary(const std::string& text) {
-  return text.starts_with("Export completed with ");
-}
+bool IsSummary(const std::string& text) { return text.starts_with("Export completed with "); }
 
 ButtonResult ButtonFor(const std::string& answer) {
   const std::string word = LowerCase(answer);
@@ -37,9 +35,7 @@ void TerminalDialogs::Log(Severity severity, const char* text) {
   m_terminal.Log(severity, text);
 }
 
-void TerminalDialogs::WaitForLogClosed(int /*owner*/) {
-  m_terminal.ClearProgress();
-}
+void TerminalDialogs::WaitForLogClosed(int /*owner*/) { m_terminal.ClearProgress(); }
 
 void TerminalDialogs::CloseLog() {}
 
@@ -54,8 +50,6 @@ ButtonResult TerminalDialogs::Ask(const char* /*caption*/, const char* text) {
   return ButtonResult::No;
 }
 
-bool TerminalDialogs::CanPrompt() {
-  return Terminal::InputIsTerminal();
-}
+bool TerminalDialogs::CanPrompt() { return Terminal::InputIsTerminal(); }
 
 }  // namespace orv::cli

@@ -8,33 +8,19 @@
 
 namespace orv {
 
-int ClassDescriptor::IsPublic() {
-  return 1;
-}
+int ClassDescriptor::IsPublic() { return 1; }
 
-void* ClassDescriptor::Create(BOOL /*loading*/) {
-  return new (std::nothrow) OrvExporter;
-}
+void* ClassDescriptor::Create(BOOL /*loading*/) { return new (std::nothrow) OrvExporter; }
 
-const TCHAR* ClassDescriptor::ClassName() {
-  return ResourceText(platform::kStringClassName);
-}
+const TCHAR* ClassDescriptor::ClassName() { return ResourceText(platform::kStringClassName); }
 
-SClass_ID ClassDescriptor::SuperClassID() {
-  return SCENE_EXPORT_CLASS_ID;
-}
+SClass_ID ClassDescriptor::SuperClassID() { return SCENE_EXPORT_CLASS_ID; }
 
-Class_ID ClassDescriptor::ClassID() {
-  return kExporterClassId;
-}
+Class_ID ClassDescriptor::ClassID() { return kExporterClassId; }
 
-const TCHAR* ClassDescriptor::Category() {
-  return "";
-}
+const TCHAR* ClassDescriptor::Category() { return ""; }
 
-const TCHAR* ClassDescriptor::InternalName() {
-  return "OrvExporter";
-}
+const TCHAR* ClassDescriptor::InternalName() { return "OrvExporter"; }
 
 HINSTANCE ClassDescriptor::HInstance() {
   return static_cast<HINSTANCE>(platform::ModuleInstance());

@@ -31,9 +31,7 @@ ORV_ENTRY const TCHAR* LibDescription() {
   return orv::ResourceText(orv::platform::kStringDescription);
 }
 
-ORV_ENTRY int LibNumberClasses() {
-  return 1;
-}
+ORV_ENTRY int LibNumberClasses() { return 1; }
 
 // Kept: the descriptor is made before the index is looked at, and is not freed. The host asks for
 // index 0 alone.
@@ -42,13 +40,9 @@ ORV_ENTRY ClassDesc* LibClassDesc(int i) {
   return i == 0 ? descriptor : nullptr;
 }
 
-ORV_ENTRY ULONG LibVersion() {
-  return VERSION_3DSMAX;
-}
+ORV_ENTRY ULONG LibVersion() { return VERSION_3DSMAX; }
 
-ORV_ENTRY ULONG CanAutoDefer() {
-  return 1;
-}
+ORV_ENTRY ULONG CanAutoDefer() { return 1; }
 
 ORV_ENTRY int UseHostServices(const orv::HostServices* services) {
   const orv::HostServices defaults;

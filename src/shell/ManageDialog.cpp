@@ -35,9 +35,7 @@ void ManageDialog::UseDialogs(ExportDialogs* dialogs) {
   s_dialogs = dialogs ? dialogs : &s_ownDialogs;
 }
 
-bool ManageDialog::InitManagedResources() {
-  return true;
-}
+bool ManageDialog::InitManagedResources() { return true; }
 
 void ManageDialog::DestroyManagedResources() {}
 
@@ -51,17 +49,11 @@ void ManageDialog::OpenLogWindow(int owner) {
   s_dialogs->OpenLog(owner);
 }
 
-void ManageDialog::WaitForUserToCloseLogWindow(int owner) {
-  s_dialogs->WaitForLogClosed(owner);
-}
+void ManageDialog::WaitForUserToCloseLogWindow(int owner) { s_dialogs->WaitForLogClosed(owner); }
 
-void ManageDialog::CloseLogWindow() {
-  s_dialogs->CloseLog();
-}
+void ManageDialog::CloseLogWindow() { s_dialogs->CloseLog(); }
 
-void ManageDialog::LogInfoText(const char* text) {
-  s_dialogs->Log(Severity::Information, text);
-}
+void ManageDialog::LogInfoText(const char* text) { s_dialogs->Log(Severity::Information, text); }
 
 void ManageDialog::LogWarningText(const char* text) {
   ++s_numWarnings;
@@ -77,8 +69,6 @@ ButtonResult ManageDialog::MessageBoxExt(int /*kind*/, const char* caption, cons
   return s_dialogs->Ask(caption, text);
 }
 
-bool ManageDialog::CanPrompt() {
-  return s_dialogs->CanPrompt();
-}
+bool ManageDialog::CanPrompt() { return s_dialogs->CanPrompt(); }
 
 }  // namespace orv

@@ -10,9 +10,7 @@ namespace {
 
 constexpr size_t kMaxTitle = 256;
 
-DWORD WINAPI IgnoreProgressCall(LPVOID) {
-  return 0;
-}
+DWORD WINAPI IgnoreProgressCall(LPVOID) { return 0; }
 
 platform::Icon IconFor(Severity severity) {
   switch (severity) {
@@ -45,9 +43,7 @@ MaxExportUserInterface::MaxExportUserInterface(Interface* host) : m_host(host) {
   SetProgress(0);
 }
 
-MaxExportUserInterface::~MaxExportUserInterface() {
-  m_host->ProgressEnd();
-}
+MaxExportUserInterface::~MaxExportUserInterface() { m_host->ProgressEnd(); }
 
 void MaxExportUserInterface::SetProgressText(const char* text) {
   m_title = std::string(text).substr(0, kMaxTitle);
@@ -65,9 +61,7 @@ void MaxExportUserInterface::UpdateHostBar() {
   m_host->ProgressUpdate(static_cast<int>(100 * m_fraction), FALSE, m_title.c_str());
 }
 
-bool MaxExportUserInterface::CanPrompt() {
-  return ManageDialog::CanPrompt();
-}
+bool MaxExportUserInterface::CanPrompt() { return ManageDialog::CanPrompt(); }
 
 Answer MaxExportUserInterface::ShowMessage(const char* text, MessageKind kind, Severity severity) {
   switch (kind) {
@@ -86,16 +80,12 @@ Answer MaxExportUserInterface::ShowMessage(const char* text, MessageKind kind, S
   return Answer::None;
 }
 
-void MaxExportUserInterface::LogInfoText(const char* text) {
-  ManageDialog::LogInfoText(text);
-}
+void MaxExportUserInterface::LogInfoText(const char* text) { ManageDialog::LogInfoText(text); }
 
 void MaxExportUserInterface::LogWarningText(const char* text) {
   ManageDialog::LogWarningText(text);
 }
 
-void MaxExportUserInterface::LogErrorText(const char* text) {
-  ManageDialog::LogErrorText(text);
-}
+void MaxExportUserInterface::LogErrorText(const char* text) { ManageDialog::LogErrorText(text); }
 
 }  // namespace orv

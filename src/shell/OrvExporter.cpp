@@ -40,9 +40,7 @@ OrvExporter::~OrvExporter() {
   });
 }
 
-int OrvExporter::ExtCount() {
-  return 2;
-}
+int OrvExporter::ExtCount() { return 2; }
 
 const TCHAR* OrvExporter::Ext(int n) {
   switch (n) {
@@ -60,30 +58,20 @@ const TCHAR* OrvExporter::LongDesc() {
   return ResourceText(platform::kStringLongDescription, s_buffer, sizeof(s_buffer));
 }
 
-const TCHAR* OrvExporter::ShortDesc() {
-  return ResourceText(platform::kStringShortDescription);
-}
+const TCHAR* OrvExporter::ShortDesc() { return ResourceText(platform::kStringShortDescription); }
 
-const TCHAR* OrvExporter::AuthorName() {
-  return ResourceText(platform::kStringAuthor);
-}
+const TCHAR* OrvExporter::AuthorName() { return ResourceText(platform::kStringAuthor); }
 
-const TCHAR* OrvExporter::CopyrightMessage() {
-  return ResourceText(platform::kStringCopyright);
-}
+const TCHAR* OrvExporter::CopyrightMessage() { return ResourceText(platform::kStringCopyright); }
 
-const TCHAR* OrvExporter::OtherMessage1() {
-  return ResourceText(platform::kStringOther1);
-}
+const TCHAR* OrvExporter::OtherMessage1() { return ResourceText(platform::kStringOther1); }
 
 const TCHAR* OrvExporter::OtherMessage2() {
   static char s_buffer[256];
   return ResourceText(platform::kStringOther2, s_buffer, sizeof(s_buffer));
 }
 
-unsigned int OrvExporter::Version() {
-  return 100;
-}
+unsigned int OrvExporter::Version() { return 100; }
 
 void OrvExporter::ShowAbout(HWND owner) {
   CatchAll([&] { platform::ShowAboutBox(owner, this); });
