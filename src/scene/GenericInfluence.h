@@ -4,6 +4,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "scene/Vector.h"
@@ -48,7 +50,22 @@ class GenericMeshInfluence {
   // there already is appended again.
   void Merge(const GenericMeshInfluence& other, uint32_t vertexOffset);
 
+  // Bones keep their names and places once they are here.
   std::vector<std::unique_ptr<GenericBoneInfluence>> m_bones;
+
+ private:
+  struct NameHash {
+    using is_transparent = void;
+    size_t operator()(std::string_view name) const;
+  };
+  struct NameEqual {
+    using is_transparent = void;
+    bool operator()(std::string_view a, std::string_view b) const;
+  };
+
+  // FindBone's own, brought up to date by each call.
+  mutable std::unordered_map<std::string, size_t, NameHash, NameEqual> m_firstByName;
+  mutable size_t m_indexed = 0;  // bones that m_firstByName knows
 };
 
 class ExGenericMeshInfluence : public GenericMeshInfluence {};

@@ -54,9 +54,16 @@ struct GenericMaterial {
   const GenericSkeleton::Node* attachmentBone = nullptr;  // not owned: whose space the mesh is in
 };
 
+// Whether a material name says its type itself.
+bool HasTypeSuffix(const std::string& name);
+
 const MaterialMap* FindMap(const GenericMaterial& material, int32_t channel);  // the first, or null
 
+// Whether a map may stand for another: channel, file name ignoring case, amount.
+bool MapsEqual(const MaterialMap& a, const MaterialMap& b);
+
 // Whether two materials may share a chunk. ignoreColours leaves colours and shininess out.
+// Neither symmetric nor transitive, and a NaN does not even equal itself.
 bool MaterialsEqual(const GenericMaterial& a, const GenericMaterial& b, bool ignoreColours);
 
 }  // namespace orv

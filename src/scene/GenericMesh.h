@@ -1,8 +1,8 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -10,6 +10,7 @@
 #include "scene/GenericInfluence.h"
 #include "scene/GenericMaterial.h"
 #include "scene/GenericSkeleton.h"
+#include "scene/MaterialIndex.h"
 #include "scene/Vector.h"
 
 namespace orv {
@@ -39,6 +40,8 @@ class GenericFaceList {
   std::span<FaceCorner> Corners(size_t face);
   void SetMaterial(size_t face, int32_t material) { m_materials[face] = material; }
   void Add(int32_t material, std::span<const FaceCorner> corners);
+  // Adds the other's faces with their numbers raised.
+  void Append(const GenericFaceList& other, int32_t materialOffset, const FaceCorner& offset);
   void Reserve(size_t faces, size_t corners);
 
  private:
@@ -77,7 +80,8 @@ class GenericMesh {
   // are dropped.
   void MergeMaterials(bool ignoreColours);
 
-  // Adds the other's geometry and materials behind this one's, then merges materials.
+  // Adds the other's geometry and materials behind this one's, then merges materials; the time
+  // depends on the other alone, so between two appends leave the materials here as they are.
   // Influence, attachment points and skeleton stay as they are.
   void Append(const GenericMesh& other, bool ignoreColours);
 
@@ -102,6 +106,13 @@ class GenericMesh {
   // Both are lent for the length of a write and not owned.
   const GenericMeshInfluence* m_influence = nullptr;
   GenericSkeleton* m_skeleton = nullptr;
+
+ private:
+  void MergeIntoDistinct(size_t firstFace);
+  void RenumberFaces(std::span<const int32_t> remap, size_t firstFace);
+  void MoveIntoBoneSpace(const GenericSkeleton::Node& bone, float scale);
+
+  MaterialIndex m_distinct{false};  // the materials the last merge left
 };
 
 class ExGenericMesh : public GenericMesh {};
