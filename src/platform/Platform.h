@@ -55,4 +55,11 @@ std::string WhyNotWritable(const std::string& path);
 // Renames over an existing file in one step; false when the system refuses.
 bool ReplaceFile(const std::string& from, const std::string& to);
 
+// What a new file may be renamed onto, by native path: the path itself; behind a link, the file it
+// stands for. "" for what can only be written to: a device, a pipe, a link to nothing.
+std::string FindReplaceableFile(const std::string& path);
+
+// Native paths; nothing happens when either file is missing.
+void CopyPermissions(const std::string& from, const std::string& to);
+
 }  // namespace orv::platform
