@@ -1,0 +1,82 @@
+#include "formats/AnimationWriter.h"
+
+#include "formats/ChunkStream.h"
+#include "formats/FileVersions.h"
+
+namespace orv {
+
+namespace {
+
+using Node = GenericSkeleton::Node;
+
+// The record of the file: 28 bytes.
+struct BonePose {
+  Vec3 position;
+  Quaternion rotation;
+};
+static_assert(sizeof(BonePose) == 28);
+
+void WriteInfo(std::ostream& out, const AnimationHeader& header) {
+  // A range that ends before it begins counts down below zero. Pinned by
+  // AnimationWriter.RangeThatEndsBeforeItBeginsHasNoFrames.
+  const uint32_t frameCount =
+      static_cast<uint32_t>(header.lastFrame) - static_cast<uint32_t>(header.firstFrame) + 1;
+  ChunkScope info(out, "INFO", kAnimationInfoVersion);
+  WriteString(out, header.name);
+  WriteU32(out, frameCount);
+  WriteU32(out, header.frameRate);
+  WriteF32(out, header.masterScale);
+}
+
+void WriteBone(std::ostream& out, const Node& bone) {
+  ChunkScope chunk(out, "BONE", kBoneVersion);
+  WriteString(out, bone.Name());
+  WriteU32(out, static_cast<uint32_t>(bone.m_children.size()));
+  for (const auto& child : bone.m_children) WriteBone(out, *child);
+}
+
+// A bone, then the subtree of each child: the order of the bone chunks.
+void CollectBones(const Node& bone, std::vector<const Node*>& bones) {
+  bones.push_back(&bone);
+  for (const auto& child : bone.m_children) CollectBones(*child, bones);
+}
+
+void WriteFrames(std::ostream& out, GenericSkeleton& skeleton, int64_t first, int64_t last) {
+  std::vector<const Node*> bones;
+  CollectBones(*skeleton.m_root, bones);
+  std::vector<BonePose> poses(bones.size());
+  for (int64_t frame = first; frame <= last; ++frame) {
+    skeleton.SetFrame(static_cast<int>(frame));
+    for (size_t i = 0; i < bones.size(); ++i) {
+      poses[i] = {bones[i]->Position(), bones[i]->Rotation()};
+    }
+    ChunkScope fram(out, "FRAM", kFrameVersion);
+    WriteU32(out, static_cast<uint32_t>(frame - first));
+    WriteRecords<float>(out, std::span<const BonePose>(poses));
+  }
+}
+
+}  // namespace
+
+void WriteAnimation(std::ostream& out, GenericSkeleton& skeleton, const AnimationHeader& header) {
+  RootScope root(out, "ANIM");
+  WriteInfo(out, header);
+  WriteEvents(out, header.events, header.firstFrame, header.lastFrame);
+  {
+    ChunkScope skel(out, "SKEL", kSkeletonVersion);
+    WriteBone(out, *skeleton.m_root);
+  }
+  WriteFrames(out, skeleton, header.firstFrame, header.lastFrame);
+}
+
+bool WriteAnimationFile(const std::string& fileName, GenericSkeleton& skeleton,
+                        const AnimationHeader& header, ExportUserInterface& ui) {
+  binofstream out(fileName);
+  if (out) WriteAnimation(out, skeleton, header);
+  if (out.Commit()) return true;
+  ui.LogError("Geometry Exporter reported error code '%d'", kCannotWriteFile);
+  ui.LogInfo("Could not write %s: %s", fileName.c_str(), out.FailureReason().c_str());
+  return false;
+}
+
+}  // namespace orv
