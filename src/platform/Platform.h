@@ -6,9 +6,20 @@
 #include <string>
 #include <utility>
 
+#include "platform/StringTable.h"
+
 // The services the plug-in needs of the operating system; one implementation per system, chosen
 // by CMake. Paths go in and come out in the exporter's own form (see ExString.h).
 namespace orv::platform {
+
+#define ORV_STRING_ID(id, name, text) kString##name = id,
+enum StringId : unsigned { ORV_STRING_TABLE(ORV_STRING_ID) };
+#undef ORV_STRING_ID
+
+// The library's own handle, as the system gave it on loading; null until it is set. Where strings
+// and dialogs are resources of the library, they are looked up by it.
+void SetModuleInstance(void* instance);
+void* ModuleInstance();
 
 // The text of a string-table entry; "" for an id the table lacks.
 std::string ResourceString(unsigned id);
@@ -52,7 +63,9 @@ bool IsSameFile(const std::string& a, const std::string& b);
 // allowed.
 std::string WhyNotWritable(const std::string& path);
 
-// Renames over an existing file in one step; false when the system refuses.
+// Renames over an existing file in one step, keeping that file's permissions; a link to a file
+// stays a link. False, with "from" still there, when the system refuses and when "to" can only be
+// written to (see FindReplaceableFile).
 bool ReplaceFile(const std::string& from, const std::string& to);
 
 // What a new file may be renamed onto, by native path: the path itself; behind a link, the file it
