@@ -25,6 +25,12 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
 }
 #else
 #define ORV_ENTRY extern "C" __attribute__((visibility("default")))
+
+// There is no handle to keep, only the fact that the library has been loaded.
+__attribute__((constructor)) static void OnLoad() {
+  static char s_instance;
+  orv::platform::SetModuleInstance(&s_instance);
+}
 #endif
 
 ORV_ENTRY const TCHAR* LibDescription() {

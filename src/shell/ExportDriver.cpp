@@ -55,12 +55,11 @@ void LogSummary() {
   }
 }
 
-// The name in full when the host finds the bitmap, else as it is.
+// The name in full; "" when the host does not find the bitmap.
 std::string FindBitmap(const std::string& name) {
   BitmapInfo bitmap;
   bitmap.SetName(name.c_str());
-  BMMGetFullFilename(&bitmap);
-  return bitmap.Name();
+  return BMMGetFullFilename(&bitmap) ? bitmap.Name() : "";
 }
 
 }  // namespace

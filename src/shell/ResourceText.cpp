@@ -12,7 +12,8 @@ const char* ResourceText(unsigned id) {
 }
 
 const char* ResourceText(unsigned id, char* buffer, size_t size) {
-  std::snprintf(buffer, size, "%s", platform::ResourceString(id).c_str());
+  const bool loaded = platform::ModuleInstance() != nullptr;
+  std::snprintf(buffer, size, "%s", loaded ? platform::ResourceString(id).c_str() : "");
   return buffer;
 }
 
