@@ -19,6 +19,15 @@ bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
+// Scene files mix "\\" and "/" within one path.
+std::string MapName(const std::string& fileName) {
+  return fileName.substr(fileName.find_last_of("/\\") + 1);
+}
+
+std::string MapBaseName(const std::string& fileName) {
+  return std::string(BaseNamePart(MapName(fileName)));
+}
+
 bool AnyDiffuseMap(const GenericMaterial& material, const auto& nameTest) {
   return std::any_of(material.maps.begin(), material.maps.end(), [&](const MaterialMap& map) {
     return map.channel == kDiffuse && nameTest(map.fileName);
@@ -45,8 +54,8 @@ const char* TypeSuffix(const GenericMaterial& material, bool allowBillboards) {
 }
 
 std::string SideFileText(const MaterialMap& primary, const MaterialMap* alpha, bool noTile) {
-  std::string text = "Primary=" + std::string(FileNamePart(primary.fileName)) + "\n";
-  if (alpha) text += "Alpha=" + std::string(FileNamePart(alpha->fileName)) + "\n";
+  std::string text = "Primary=" + MapName(primary.fileName) + "\n";
+  if (alpha) text += "Alpha=" + MapName(alpha->fileName) + "\n";
   if (!noTile && (primary.tileS || primary.tileT)) {
     text += std::string("Tile=") + (primary.tileS ? "s" : "") + (primary.tileT ? "t" : "") + "\n";
   }
@@ -94,9 +103,9 @@ void SideFileWriter::WriteFor(MaterialMap& primary, const MaterialMap* alpha) {
   if (!m_ui.CanPrompt()) m_askOverwrite = false;
   if (Contains(primary.fileName, ".texture")) return;  // has its side file already
 
-  const std::string base(BaseNamePart(primary.fileName));
+  const std::string base = MapBaseName(primary.fileName);
   std::string engineName = m_folder + base;
-  if (alpha) engineName.append("-").append(BaseNamePart(alpha->fileName));
+  if (alpha) engineName.append("-").append(MapBaseName(alpha->fileName));
   engineName += ".texture";
   WriteOrSkip(engineName + ".txt",
               SideFileText(primary, alpha, BeginsWithIgnoringCase(base, "notile_")));
@@ -161,7 +170,7 @@ bool SideFileWriter::WriteText(const std::string& path, const std::string& text,
 
 // With exactly one separator between the two; a folder of no name is the current one.
 std::string DestinationPath(const std::string& folder, const std::string& source) {
-  const std::string name(FileNamePart(source));
+  const std::string name = MapName(source);
   ExString path(folder.c_str());
   if (path.IsEmpty()) return name;
   return path.AppendPath(name.c_str(), false).NormalizeSeparators('\\').CStr();

@@ -1,0 +1,217 @@
+#include "scene/GenericMesh.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numbers>
+
+#include "MeshBuilders.h"
+
+namespace orv {
+namespace {
+
+using Lines = std::vector<std::string>;
+using Ints = std::vector<int32_t>;
+
+GenericMesh MeshUsing(const std::vector<bool>& used) {
+  GenericMesh mesh;
+  for (size_t i = 0; i < used.size(); ++i) {
+    mesh.m_materials.push_back(Material(std::to_string(i), 77));
+    mesh.m_materials.back().used = used[i];
+    AddFace(mesh, static_cast<int32_t>(i), {0, 1, 2});
+  }
+  return mesh;
+}
+
+Ints FaceMaterials(const GenericMesh& mesh) {
+  Ints result;
+  for (size_t i = 0; i < mesh.m_faces.size(); ++i) result.push_back(mesh.m_faces[i].material);
+  return result;
+}
+
+TEST(UnusedMaterials, FacesOfDroppedMaterialsFallToTheFirst) {
+  const struct {
+    std::vector<bool> used;
+    Ints sources, faceMaterials;
+  } cases[] = {
+      {{true, true, true}, {0, 1, 2}, {0, 1, 2}},
+      {{false, false, true}, {2}, {0, 0, 0}},
+      {{false, true, false, true}, {1, 3}, {0, 0, 0, 1}},
+      {{true, false, true, false}, {0, 2}, {0, 0, 1, 0}},
+      {{false, false}, {}, {0, 0}},
+  };
+  for (const auto& c : cases) {
+    GenericMesh mesh = MeshUsing(c.used);
+    mesh.RemoveUnusedMaterials();
+    EXPECT_EQ(Tags(mesh.m_materials), c.sources);  // the place each one had
+    EXPECT_EQ(FaceMaterials(mesh), c.faceMaterials);
+  }
+}
+
+TEST(Append, RaisesEveryIndexAndMergesMaterials) {
+  GenericMesh mesh = Quad({Material("a.m.onetex", 1), Material("b.m.onetex", 2)});
+  GenericMesh other = Quad({Material("b.m.onetex", 3), Material("c.m.onetex", 4)});
+  other.m_normals.push_back({1, 0, 0});
+  other.m_faces.Add(1, std::vector<FaceCorner>{{0, 4, 1}, {1, 4, 2}, {2, 4, 3}});
+  other.m_attachmentPoints.resize(1);
+  mesh.Append(other, false);
+  mesh.Append(other, false);
+  EXPECT_EQ(Faces(mesh),
+            (Lines{"0: 0 1 2 3", "1: 4 5 6 7", "2: 4/8/5 5/8/6 6/8/7",
+                   "1: 8/9/8 9/10/9 10/11/10 11/12/11", "2: 8/13/9 9/13/10 10/13/11"}));
+  EXPECT_EQ(Tags(mesh.m_materials), (Ints{1, 2, 4}));
+  EXPECT_EQ(mesh.m_positions.size(), 12u);
+  EXPECT_EQ(mesh.m_normals.size(), 14u);
+  EXPECT_EQ(mesh.m_texCoords.size(), 12u);
+  EXPECT_TRUE(mesh.m_attachmentPoints.empty());
+}
+
+TEST(Append, MeshWithoutFacesBringsItsRowsAndMaterials) {
+  GenericMesh mesh = Quad({Material("a.m.onetex")});
+  GenericMesh rows = Quad({Material("b.m.onetex")});
+  rows.m_faces = {};
+  mesh.Append(rows, false);
+  EXPECT_EQ(Faces(mesh), Lines{"0: 0 1 2 3"});
+  EXPECT_EQ(mesh.m_positions.size(), 8u);
+  EXPECT_EQ(mesh.m_materials.size(), 2u);
+}
+
+TEST(Append, OtherFlagThanLastTimeLooksAtAllMaterialsAgain) {
+  GenericMesh mesh = Quad({Material("", 1), Material("", 2)});
+  mesh.m_materials[1].diffuse = {0, 0, 0};
+  mesh.m_faces.SetMaterial(0, 1);
+  mesh.MergeMaterials(false);
+  EXPECT_EQ(mesh.m_materials.size(), 2u);
+  mesh.Append(GenericMesh(), true);
+  EXPECT_EQ(Tags(mesh.m_materials), Ints{1});
+  EXPECT_EQ(FaceMaterials(mesh), Ints{0});
+}
+
+TEST(MeshTransform, MirrorTestReadsThreeSigns) {
+  const struct {
+    Vec3 x, y, z;
+    bool reversed;
+  } cases[] = {
+      {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, false},    {{-1, 0, 0}, {0, 1, 0}, {0, 0, 1}, true},
+      {{1, 0, 0}, {0, -1, 0}, {0, 0, -1}, false},  {{-1, 0, 0}, {0, -1, 0}, {0, 0, -1}, true},
+      {{0, 1, 0}, {1, 0, 0}, {0, 0, 1}, false},     // a mirror that the diagonal does not show
+      {{0, 1, 0}, {-1, 0, 0}, {0, 0, -1}, true},    // a mirror that it does
+      {{-0.0f, 1, 0}, {1, 0, 0}, {0, 0, 1}, false}  // -0 is not negative
+  };
+  for (const auto& c : cases) {
+    GenericMesh mesh = Quad({Material("a")});
+    mesh.m_faces.Add(0, std::vector<FaceCorner>{{0, 1, 2}, {1, 2, 3}, {2, 3, 0}});
+    mesh.Transform({{c.x, c.y, c.z, Vec3{}}}, 1, nullptr);
+    EXPECT_EQ(Faces(mesh)[1], c.reversed ? "0: 2/3/0 1/2/3 0/1/2" : "0: 0/1/2 1/2/3 2/3/0");
+  }
+}
+
+TEST(MeshTransform, ReversingExchangesOnePairOfOddPolygons) {
+  GenericMesh mesh;
+  AddFace(mesh, 0, {0, 1, 2, 3});
+  AddFace(mesh, 0, {0, 1, 2, 3, 4});
+  AddFace(mesh, 0, {});
+  mesh.Transform({{Vec3{-1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}}}, 1, nullptr);
+  EXPECT_EQ(Faces(mesh), (Lines{"0: 0 1 2 3", "0: 4 1 2 3 0", "0:"}));
+}
+
+TEST(MeshTransform, PositionsScaleAfterTheMatrixAndNormalsBecomeUnit) {
+  GenericMesh mesh;
+  mesh.m_positions = {{1, 2, 3}};
+  mesh.m_normals = {{0, 3, 0}, {0, 0, 0}};
+  mesh.Transform({{Vec3{2, 0, 0}, {0, 2, 0}, {0, 0, 2}, {10, 0, 0}}}, 0.5f, nullptr);
+  EXPECT_EQ(mesh.m_positions[0], (Vec3{6, 2, 3}));
+  EXPECT_EQ(mesh.m_normals[0], (Vec3{0, 1, 0}));
+  EXPECT_TRUE(std::isnan(mesh.m_normals[1].x));  // kept as the division leaves it
+}
+
+TEST(MeshTransform, BoneSpaceIsInMetres) {
+  const float half = std::numbers::sqrt2_v<float> / 2;
+  const ExGenericSkeleton::Node bone("r.wheel", {100, 0, 50}, {0, 0, -half, half});
+  GenericMesh mesh;
+  mesh.m_positions = {{100, 200, 50}};
+  mesh.m_normals = {{0, 1, 0}};
+  mesh.Transform({}, 0.01f, &bone);
+  EXPECT_NEAR(mesh.m_positions[0].x, 2, 1e-6);  // the bone's x axis points along world y
+  EXPECT_NEAR(mesh.m_positions[0].y, 0, 1e-6);
+  EXPECT_NEAR(mesh.m_positions[0].z, 0, 1e-6);
+  EXPECT_NEAR(mesh.m_normals[0].x, 1, 1e-6);
+}
+
+Vec2 Transformed(Vec2 coord, const TexCoordTransform& transform) {
+  GenericMesh mesh;
+  mesh.m_texCoords = {coord};
+  AddFace(mesh, 0, {0, 0, 0});
+  mesh.ApplyTexCoordTransforms({&transform, 1});
+  return mesh.m_texCoords[0];
+}
+
+TexCoordTransform Tiled(float u, float v, Vec2 offset = {}) {
+  TexCoordTransform transform;
+  transform.tiling = {u, v};
+  transform.offset = offset;
+  return transform;
+}
+
+TexCoordTransform Turned(TexCoordTransform transform) {  // by 90 degrees
+  transform.angle = std::numbers::pi_v<float> / 2;
+  const float rotation[] = {0, -1, 1, 0};
+  std::copy(rotation, rotation + 4, transform.rotation);
+  return transform;
+}
+
+TexCoordTransform Cropped(TexCoordTransform transform) {
+  transform.cropEnabled = true;
+  transform.cropOrigin = {0.25f, 0.5f};
+  transform.cropSize = {0.5f, 0.25f};
+  return transform;
+}
+
+TEST(TexCoordTransforms, OffsetCountsOnlyWithCropping) {
+  const struct {
+    TexCoordTransform transform;
+    Vec2 expected;  // of (1, 0.25)
+  } cases[] = {
+      {Tiled(1, 1), {1, 0.25f}},
+      {Tiled(2, 4), {1.5f, -0.5f}},
+      {Tiled(2, 4, {8, 8}), {1.5f, -0.5f}},
+      {Turned(Tiled(2, 4)), {1, 2.5f}},
+      {Cropped(Tiled(1, 1)), {0.75f, 0.5625f}},
+      {Cropped(Tiled(2, 4, {0.5f, 0.25f})), {1.5f, 0.625f}},
+  };
+  for (const auto& c : cases) {
+    const Vec2 actual = Transformed({1, 0.25f}, c.transform);
+    EXPECT_FLOAT_EQ(actual.u, c.expected.u);
+    EXPECT_FLOAT_EQ(actual.v, c.expected.v);
+  }
+}
+
+TEST(TexCoordTransforms, SharedCoordinateMovesOnceWithTheFirstMaterialMet) {
+  GenericMesh mesh = Quad({Material("a"), Material("b")});
+  AddFace(mesh, 1, {0, 1, 1});
+  mesh.m_faces.SetMaterial(0, 1);
+  AddFace(mesh, 0, {2, 3, 0});
+  mesh.m_texCoords.push_back({9, 9});  // no face names it
+  const TexCoordTransform transforms[] = {Tiled(100, 100), Tiled(3, 1)};
+  mesh.ApplyTexCoordTransforms(transforms);
+  EXPECT_EQ(mesh.m_texCoords[1].u, 2);
+  EXPECT_EQ(mesh.m_texCoords[3].u, -1);
+  EXPECT_EQ(mesh.m_texCoords[4].u, 9);
+}
+
+TEST(Triangulate, CutsPolygonsIntoFans) {
+  GenericMesh mesh = Quad({Material("a"), Material("b")});
+  AddFace(mesh, 1, {1, 2, 3});
+  AddFace(mesh, 1, {4, 3, 2, 1, 0});
+  const auto triangles = mesh.Triangulate();
+  ASSERT_TRUE(triangles);
+  EXPECT_EQ(Faces(*triangles),
+            (Lines{"0: 0 1 2", "0: 0 2 3", "1: 1 2 3", "1: 4 3 2", "1: 4 2 1", "1: 4 1 0"}));
+  EXPECT_EQ(triangles->m_positions, mesh.m_positions);
+  EXPECT_EQ(triangles->m_materials.size(), 2u);
+  EXPECT_EQ(triangles->Triangulate(), nullptr);
+  EXPECT_EQ(mesh.m_faces.size(), 3u);
+}
+
+}  // namespace
+}  // namespace orv

@@ -1,0 +1,334 @@
+#include "scene/SideFiles.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+
+#include "MeshBuilders.h"
+#include "RecordingUserInterface.h"
+#include "platform/Platform.h"
+
+namespace orv {
+namespace {
+
+namespace fs = std::filesystem;
+using Lines = std::vector<std::string>;
+
+class Folder {
+ public:
+  Folder() : m_path(fs::temp_directory_path() / ("orv_side_" + std::to_string(m_random()))) {
+    fs::create_directories(m_path);
+  }
+  ~Folder() { fs::remove_all(m_path); }
+
+  std::string Path() const { return m_path.string() + "/"; }
+  std::string operator/(const std::string& name) const { return Path() + name; }
+  void Put(const std::string& name, const std::string& text) const {
+    std::ofstream(m_path / name) << text;
+  }
+  std::string Text(const std::string& name) const {
+    std::ifstream in(m_path / name);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+  }
+  Lines Names() const {
+    Lines names;
+    for (const auto& entry : fs::directory_iterator(m_path)) {
+      names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+  }
+
+ private:
+  std::random_device m_random;
+  fs::path m_path;
+};
+
+GenericMaterial With(std::vector<MaterialMap> maps) {
+  GenericMaterial material = Material("any.m.onetex");
+  material.maps = std::move(maps);
+  return material;
+}
+
+TEST(MaterialName, SuffixFollowsTheMaps) {
+  const MaterialMap reflection = Map(kReflection, "env.tga");
+  const struct {
+    std::vector<MaterialMap> maps;
+    const char *name, *withoutBillboards;
+  } cases[] = {
+      {{}, "woodm.notex", "woodm.notex"},
+      {{Map(kBump, "n.tga")}, "woodm.notex", "woodm.notex"},
+      {{Map(kDiffuse, "w.tga")}, "woodm.onetex", "woodm.onetex"},
+      {{Map(kDiffuse, "w.tga"), Map(kOpacity, "a.tga")}, "woodm.onetex", "woodm.onetex"},
+      {{Map(kDiffuse, "w.tga"), reflection}, "woodm.reflect", "woodm.reflect"},
+      {{reflection, Map(kOpacity, "a.tga")}, "woodm.gloss", "woodm.gloss"},
+      {{Map(kDiffuse, "w-a.texture"), reflection}, "woodm.gloss", "woodm.gloss"},
+      {{Map(kDiffuse, "a-b/w.texture"), reflection}, "woodm.gloss", "woodm.gloss"},
+      {{Map(kDiffuse, "w.texture"), reflection}, "woodm.reflect", "woodm.reflect"},
+      {{Map(kBump, "w-a.texture"), reflection}, "woodm.reflect", "woodm.reflect"},
+      {{Map(kDiffuse, "tb_leaf.tga")}, "woodm.tribillboard", "woodm.onetex"},
+      {{Map(kDiffuse, "sb_leaf.tga")}, "woodm.billboard", "woodm.onetex"},
+      {{Map(kDiffuse, "sb_tb_leaf.tga")}, "woodm.tribillboard", "woodm.onetex"},
+      {{Map(kDiffuse, "TB_leaf.tga")}, "woodm.onetex", "woodm.onetex"},
+      {{Map(kAmbient, "tb_leaf.tga")}, "woodm.notex", "woodm.notex"},
+      {{Map(kDiffuse, "tb_leaf.tga"), reflection}, "woodm.reflect", "woodm.reflect"},
+  };
+  for (const auto& c : cases) {
+    RecordingUserInterface ui;
+    EXPECT_EQ(ComposeMaterialName(With(c.maps), "Wood", true, ui), c.name);
+    EXPECT_EQ(ComposeMaterialName(With(c.maps), "Wood", false, ui), c.withoutBillboards);
+    EXPECT_EQ(ui.log, Lines(2,
+                            "error: Material 'Wood' name is invalid.  Materials should be named "
+                            "and have a 'm.' material type suffix."));
+  }
+}
+
+TEST(MaterialName, OwnTypeIsKept) {
+  RecordingUserInterface ui;
+  EXPECT_EQ(ComposeMaterialName({}, "Rail.m.OneTex", true, ui), "rail.m.onetex");
+  EXPECT_TRUE(ui.log.empty());
+}
+
+struct Export {
+  bool ask = true;
+  bool force = false;
+  RecordingUserInterface ui;
+
+  bool Write(GenericMaterial& material, const Folder& folder) {
+    return WriteTextureSideFiles(material, folder.Path(), ui, ask, force);
+  }
+};
+
+MaterialMap WithAlpha(MaterialMap map) {
+  map.alphaFromFile = true;
+  return map;
+}
+
+MaterialMap Tiling(MaterialMap map, bool s, bool t) {
+  map.tileS = s;
+  map.tileT = t;
+  return map;
+}
+
+TEST(SideFiles, OneFilePerMap) {
+  MaterialMap flipped = Map(kBump, "n.tga");
+  flipped.flipGreen = true;
+  const struct {
+    std::vector<MaterialMap> maps;
+    const char *file, *text;
+  } cases[] = {
+      {{Map(kDiffuse, "C:\\tex/wall.v2.tga")}, "wall.v2", "Primary=wall.v2.tga\nTile=st\n"},
+      {{Map(kDiffuse, "wall.tga"), Map(kOpacity, "x/wall_a.tga")},
+       "wall-wall_a",
+       "Primary=wall.tga\nAlpha=wall_a.tga\nTile=st\n"},
+      {{WithAlpha(Map(kDiffuse, "wall.tga"))},
+       "wall-wall",
+       "Primary=wall.tga\nAlpha=wall.tga\nTile=st\n"},
+      {{WithAlpha(Map(kDiffuse, "wall.tga")), WithAlpha(Map(kOpacity, "a.tga"))},
+       "wall-a",
+       "Primary=wall.tga\nAlpha=a.tga\nTile=st\n"},
+      {{Map(kDiffuse, "first.tga"), Map(kDiffuse, "last.tga")},
+       "last",
+       "Primary=last.tga\nTile=st\n"},
+      {{WithAlpha(Map(kSpecular, "s.tga"))}, "s-s", "Primary=s.tga\nAlpha=s.tga\nTile=st\n"},
+      {{Tiling(Map(kDiffuse, "w.tga"), true, false)}, "w", "Primary=w.tga\nTile=s\n"},
+      {{Tiling(Map(kDiffuse, "w.tga"), false, true)}, "w", "Primary=w.tga\nTile=t\n"},
+      {{Tiling(Map(kDiffuse, "w.tga"), false, false)}, "w", "Primary=w.tga\n"},
+      {{Map(kDiffuse, "NoTile_sky.tga")}, "NoTile_sky", "Primary=NoTile_sky.tga\n"},
+      {{Map(kBump, "n.tga")}, "n", "Primary=n.tga\nTile=st\nNormalMapHint=normalmap\n"},
+      {{flipped}, "n", "Primary=n.tga\nTile=st\nNormalMapHint=normalmap\nModifyMap=flipgreen\n"},
+  };
+  for (const auto& c : cases) {
+    Folder folder;
+    Export run;
+    GenericMaterial material = With(c.maps);
+    EXPECT_EQ(run.Write(material, folder), FindMap(material, kOpacity) != nullptr);
+    const std::string file = std::string(c.file) + ".texture";
+    EXPECT_EQ(folder.Names(), Lines{file + ".txt"});
+    EXPECT_EQ(folder.Text(file + ".txt"), c.text);
+    const bool lastCounts = c.maps.back().channel != kOpacity;
+    EXPECT_EQ((lastCounts ? material.maps.back() : material.maps.front()).fileName, folder / file);
+    EXPECT_TRUE(run.ui.log.empty());
+  }
+}
+
+TEST(SideFiles, CollectsEveryTextureOnce) {
+  Folder folder;
+  Export run;
+  GenericMaterial material = With({WithAlpha(Map(kAmbient, "x/a.tga")), Map(kDiffuse, "d.tga"),
+                                   Map(kOpacity, "o.tga"), Map(kBump, "d.tga")});
+  EXPECT_TRUE(run.Write(material, folder));
+  EXPECT_EQ(run.ui.Textures(), (Lines{"x/a.tga", "d.tga", "o.tga"}));
+  EXPECT_EQ(material.maps[2].fileName, "o.tga");
+  EXPECT_EQ(folder.Names(), (Lines{"a-a.texture.txt", "d-o.texture.txt", "d.texture.txt"}));
+
+  GenericMaterial opacityOnly = With({Map(kOpacity, "alone.tga")});
+  EXPECT_TRUE(run.Write(opacityOnly, folder));
+  EXPECT_EQ(folder.Names().size(), 3u);
+}
+
+TEST(SideFiles, ConvertedNameIsLeftAlone) {
+  Folder folder;
+  Export run;
+  GenericMaterial material = With({Map(kDiffuse, "old.texture")});
+  run.Write(material, folder);
+  EXPECT_EQ(material.maps[0].fileName, "old.texture");
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+// The log and the flags after one material whose side file is there already.
+TEST(SideFiles, ExistingFile) {
+  const struct {
+    bool canPrompt, ask, force;
+    Answer answer;
+    bool asked, overwritten, askAfter, forceAfter;
+  } cases[] = {
+      {true, true, false, Answer::Yes, true, true, true, false},
+      {true, true, false, Answer::YesToAll, true, true, true, true},
+      {true, true, false, Answer::No, true, false, true, false},
+      {true, true, false, Answer::NoToAll, true, false, false, false},
+      {true, true, false, Answer::None, true, false, true, false},
+      {true, false, false, Answer::Yes, false, false, false, false},
+      {true, true, true, Answer::No, false, true, true, true},
+      {false, true, false, Answer::Yes, false, false, false, false},
+      {false, true, true, Answer::Yes, false, true, false, true},
+  };
+  for (const auto& c : cases) {
+    Folder folder;
+    folder.Put("w.texture.txt", "old");
+    const std::string path = folder / "w.texture.txt";
+    Export run{c.ask, c.force, {}};
+    run.ui.canPrompt = c.canPrompt;
+    run.ui.answers = {c.answer};
+    GenericMaterial material = With({Map(kDiffuse, "w.tga")});
+    run.Write(material, folder);
+
+    Lines log;
+    if (c.asked) {
+      log.push_back("ask: .texture.txt file " + path + " already exists.\n  Overwrite file?\n");
+    }
+    log.push_back((c.overwritten ? "info: Overwriting" : "info: Skipping") +
+                  (" existing file: '" + path + "'"));
+    EXPECT_EQ(run.ui.log, log);
+    EXPECT_EQ(folder.Text("w.texture.txt"), c.overwritten ? "Primary=w.tga\nTile=st\n" : "old");
+    EXPECT_EQ(folder.Names().size(), 1u);  // nothing temporary stays
+    EXPECT_EQ(run.ask, c.askAfter);
+    EXPECT_EQ(run.force, c.forceAfter);
+    EXPECT_EQ(material.maps[0].fileName, folder / "w.texture");  // written or not
+  }
+}
+
+TEST(SideFiles, OneAnswerForAllStopsTheQuestions) {
+  for (const Answer answer : {Answer::NoToAll, Answer::YesToAll}) {
+    Folder folder;
+    folder.Put("v.texture.txt", "old");
+    folder.Put("w.texture.txt", "old");
+    Export run;
+    run.ui.answers = {answer, Answer::No};
+    GenericMaterial material = With({Map(kAmbient, "v.tga"), Map(kDiffuse, "w.tga")});
+    run.Write(material, folder);
+    EXPECT_EQ(run.ui.log.size(), 3u);  // one question, two files
+    EXPECT_EQ(folder.Text("w.texture.txt") == "old", answer == Answer::NoToAll);
+  }
+}
+
+// The superuser may write to it all the same, and is then told nothing.
+TEST(SideFiles, ReadOnlyFileIsNamedAsSuch) {
+  Folder folder;
+  folder.Put("w.texture.txt", "old");
+  const std::string path = folder / "w.texture.txt";
+  fs::permissions(path, fs::perms::owner_read);
+  Export run;
+  run.ui.answers = {Answer::No};
+  GenericMaterial material = With({Map(kDiffuse, "w.tga")});
+  const std::string prefix = platform::IsWritable(path) ? "" : "Read-Only ";
+  run.Write(material, folder);
+  ASSERT_FALSE(run.ui.log.empty());
+  EXPECT_EQ(run.ui.log[0], "ask: " + prefix + ".texture.txt file " + path +
+                               " already exists.\n  Overwrite file?\n");
+}
+
+// A folder of the file's name cannot be removed and not be written.
+TEST(SideFiles, FileThatCannotBeReplaced) {
+  Folder folder;
+  const std::string path = folder / "w.texture.txt";
+  fs::create_directory(path);
+  Export asked, forced{true, true, {}};
+  asked.ui.answers = {Answer::Yes};
+  GenericMaterial material = With({Map(kDiffuse, "w.tga")}), again = material;
+  asked.Write(material, folder);
+  ASSERT_EQ(asked.ui.log.size(), 3u);
+  EXPECT_EQ(asked.ui.log[1], "warning: Could not remove file.\n");
+  EXPECT_EQ(asked.ui.log[2], "info: Skipping existing file: '" + path + "'");
+  forced.Write(again, folder);
+  ASSERT_EQ(forced.ui.log.size(), 3u);
+  EXPECT_EQ(forced.ui.log[1], "error: Could not open texture file " + path + " for writing.");
+  EXPECT_EQ(folder.Names(), Lines{"w.texture.txt"});
+  EXPECT_EQ(again.maps[0].fileName, folder / "w.texture");
+}
+
+TEST(SideFiles, FolderThatDoesNotExist) {
+  RecordingUserInterface ui;
+  bool ask = true, force = false;
+  GenericMaterial material = With({Map(kDiffuse, "w.tga")});
+  WriteTextureSideFiles(material, "no/such/", ui, ask, force);
+  ASSERT_FALSE(ui.log.empty());
+  EXPECT_EQ(ui.log[0], "error: Could not open texture file no/such/w.texture.txt for writing.");
+  EXPECT_EQ(material.maps[0].fileName, "no/such/w.texture");
+}
+
+TEST(SideFiles, FullDiskIsReported) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no device that is always full";
+  Folder folder;
+  const std::string path = folder / "w.texture.txt";
+  fs::create_symlink("/dev/full", path);
+  Export run{true, true, {}};
+  GenericMaterial material = With({Map(kDiffuse, "w.tga")});
+  run.Write(material, folder);
+  ASSERT_EQ(run.ui.log.size(), 3u);
+  EXPECT_EQ(run.ui.log[1], "error: Could not open texture file " + path + " for writing.");
+}
+
+TEST(CopyTextures, CopiesWhatIsFoundAndNamesWhatIsNot) {
+  Folder from, to;
+  from.Put("a.tga", "A");
+  from.Put("b.tga", "B");
+  to.Put("here.tga", "same");
+  RecordingUserInterface ui;
+  const auto resolve = [&](const std::string& name) {
+    return name == "b.tga" ? from / "b.tga" : std::string();
+  };
+  const Lines names = {from / "a.tga", "b.tga", "no/such.tga", to / "here.tga", "nor_this.tga"};
+  EXPECT_FALSE(CopyTextures(names, to.Path(), true, true, resolve, ui));
+  EXPECT_EQ(to.Names(), (Lines{"a.tga", "b.tga", "here.tga"}));
+  EXPECT_EQ(to.Text("b.tga"), "B");
+  EXPECT_EQ(to.Text("here.tga"), "same");
+  EXPECT_EQ(ui.log, (Lines{"error: The following 2 file(s) failed to copy or could not be located:",
+                           "info:   no/such.tga", "info:   nor_this.tga"}));
+  EXPECT_EQ(ui.stages, Lines{"Copying texture files..."});
+}
+
+TEST(CopyTextures, FolderWithAndWithoutSeparator) {
+  Folder from;
+  from.Put("a.tga", "A");
+  for (const char* end : {"", "/", "\\"}) {
+    Folder to;
+    RecordingUserInterface ui;
+    std::string folder = to.Path();
+    folder.pop_back();
+    folder += end;
+    const auto nowhere = [](const std::string&) { return std::string(); };
+    EXPECT_TRUE(CopyTextures({from / "a.tga"}, folder, true, true, nowhere, ui));
+    EXPECT_EQ(to.Names(), Lines{"a.tga"});
+    EXPECT_TRUE(ui.log.empty());
+  }
+}
+
+}  // namespace
+}  // namespace orv
