@@ -1,5 +1,6 @@
 #include "formats/AnimationWriter.h"
 
+#include "formats/BonePose.h"
 #include "formats/ChunkStream.h"
 #include "formats/FileVersions.h"
 
@@ -8,13 +9,6 @@ namespace orv {
 namespace {
 
 using Node = GenericSkeleton::Node;
-
-// The record of the file: 28 bytes.
-struct BonePose {
-  Vec3 position;
-  Quaternion rotation;
-};
-static_assert(sizeof(BonePose) == 28);
 
 void WriteInfo(std::ostream& out, const AnimationHeader& header) {
   // A range that ends before it begins counts down below zero. Pinned by

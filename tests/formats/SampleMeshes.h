@@ -1,0 +1,79 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "FileBytes.h"
+#include "RecordingUserInterface.h"
+#include "formats/IndexedMeshWriter.h"
+
+namespace orv {
+
+inline IndexedMesh::Chunk TriangleChunk(const std::string& materialName = "rail.m.onetex") {
+  IndexedMesh::Chunk chunk;
+  chunk.material.name = materialName;
+  chunk.surfaceArea = 0.5f;
+  chunk.vertices = {{0, 0, 0, 0, 1}, {1, 0, 0, 1, 1}, {0, 1, 0, 0, 0}};
+  chunk.triangles = {{0, 1, 2}};
+  chunk.normals = {{0, 0, 1}, {0, 0, 1}, {0, 0, 1}};
+  chunk.faceNormals = {{0, 0, 1}};
+  return chunk;
+}
+
+inline std::unique_ptr<ExGenericSkeleton::Node> Bone(const std::string& name, Vec3 position = {},
+                                                     Quaternion rotation = {}) {
+  return std::make_unique<ExGenericSkeleton::Node>(name, position, rotation);
+}
+
+inline void AddInfluence(GenericMeshInfluence& influence, const std::string& name,
+                         std::vector<VertexWeight> weights, const std::string& parentName = "") {
+  auto bone = std::make_unique<GenericBoneInfluence>(
+      name, parentName, Vec3{1, 2, 3}, Matrix33{Vec3{1, 0, 0}, Vec3{0, 1, 0}, Vec3{0, 0, 1}});
+  bone->m_weights = std::move(weights);
+  influence.AddBone(std::move(bone));
+}
+
+inline GenericMeshInfluence& AddChunkInfluence(IndexedMesh& mesh) {
+  mesh.influences.push_back(std::make_unique<ExGenericMeshInfluence>());
+  return *mesh.influences.back();
+}
+
+// Two chunks, three bones, two attachment points: everything that a skinned mesh file can hold.
+inline ExIndexedMesh SkinnedMesh() {
+  ExIndexedMesh mesh;
+  mesh.chunks.push_back(TriangleChunk("skin.m.onetex"));
+  mesh.chunks.back().material.properties = {{"sound", "metal"}};
+  mesh.chunks.back().material.maps = {{.channel = kDiffuse, .fileName = "a.texture", .amount = 1},
+                                      {.channel = kBump, .fileName = "b.texture", .amount = 0.5f}};
+  mesh.chunks.push_back(TriangleChunk("hide.m.gloss.tbump"));
+  mesh.chunks.back().tangents = {{1, 0, 0}, {1, 0, 0}, {1, 0, 0}};
+  GenericMeshInfluence& first = AddChunkInfluence(mesh);
+  AddInfluence(first, "b.hip", {{0, 1.0f, {1, 1, 1}}, {1, 0.25f, {}}, {2, 0, {}}});
+  AddInfluence(first, "b.Knee", {{1, 0.75f, {}}}, "b.hip");
+  AddInfluence(first, "b.toe", {}, "b.Knee");
+  GenericMeshInfluence& second = AddChunkInfluence(mesh);
+  AddInfluence(second, "b.knee", {{2, 1.0f, {}}}, "b.hip");
+  mesh.attachmentPoints = {{{Vec3{1, 2, 3}, {4, 5, 6}, {7, 8, 9}}, {10, 11, 12}, "muzzle"},
+                           {{}, {}, "hatch"}};
+  return mesh;
+}
+
+struct WrittenMesh {
+  std::string bytes;
+  std::vector<std::string> log;
+};
+
+inline WrittenMesh Written(ExIndexedMesh& mesh) {
+  RecordingUserInterface ui;
+  bool ask = false, force = false;
+  WrittenMesh written;
+  written.bytes = BytesOf([&](std::ostream& out) {
+    WriteIndexedMesh(out, mesh, "",
+                     {.optimise = false, .askOverwrite = ask, .forceOverwrite = force}, ui);
+  });
+  written.log = ui.log;
+  return written;
+}
+
+}  // namespace orv

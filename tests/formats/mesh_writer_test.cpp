@@ -1,0 +1,255 @@
+#include <gtest/gtest.h>
+
+#include "IndependentReader.h"
+#include "SampleMeshes.h"
+#include "TemporaryFolder.h"
+
+namespace orv {
+namespace {
+
+// The file with one triangle, field by field.
+TEST(IndexedMeshWriter, FileOfOneTriangle) {
+  ExIndexedMesh mesh;
+  mesh.chunks.push_back(TriangleChunk());
+  GenericMaterial& material = mesh.chunks[0].material;
+  material.twoSided = 1;
+  material.opacity = 0.5f;
+  material.ambient = {0.1f, 0.2f, 0.3f};
+  material.diffuse = {0.4f, 0.5f, 0.6f};
+  material.specular = {0.7f, 0.8f, 0.9f};
+  material.emissive = {1.1f, 1.2f, 1.3f};
+  material.shininess = 25;
+  material.properties = {{"key", "value"}};
+  material.maps = {{.channel = kReflection, .fileName = "sky.texture", .amount = 0.75f}};
+
+  const std::string info =
+      Floats({0, 0, 0, 1, 0, 0}) + Words({0, 1, 0, 0}) + Floats({0, 0, 0, 1, 1, 0});
+  const std::string matl =
+      Text("rail.m.onetex") + LittleEndian(1) + Text("key") + Text("value") + LittleEndian(1) +
+      Floats({0.5f, 0.1f, 0.2f, 0.3f, 0.4f, 0.5f, 0.6f, 0.7f, 0.8f, 0.9f, 1.1f, 1.2f, 1.3f, 25}) +
+      Words({1, 9}) + Text("sky.texture") + Floats({0.75f});
+  const std::string geom = Words({4, 0}) + Floats({0.5f}) + Words({3, 1, 3, 1, 0}) + Text("") +
+                           Floats({0, 0, 0, 0, 1, 1, 0, 0, 1, 1, 0, 1, 0, 0, 0}) +
+                           Shorts({0, 1, 2}) + Floats({0, 0, 1, 0, 0, 1, 0, 0, 1}) +
+                           Floats({0, 0, 1});
+  EXPECT_EQ(Written(mesh).bytes, Root("IDXM", Chunk("INFO", 104, info) +
+                                                  Chunk("CHNK", 100,
+                                                        LittleEndian(0) + Chunk("MATL", 103, matl) +
+                                                            Chunk("GEOM", 201, geom))));
+}
+
+TEST(IndexedMeshWriter, DefaultColoursReplaceTheMaterials) {
+  ExIndexedMesh mesh;
+  mesh.chunks.push_back(TriangleChunk());
+  mesh.m_useDefaultColors = true;
+  const auto chunk = independent::ParseMesh(Written(mesh).bytes).chunks.at(0);
+  EXPECT_EQ(chunk.colours, (std::array<float, 12>{1, 1, 1, 1, 1, 1, 0, 0, 0, 0, 0, 0}));
+  EXPECT_EQ(chunk.shininess, 32);
+}
+
+TEST(IndexedMeshWriter, NameWithoutTypeIsComposedAndReported) {
+  ExIndexedMesh mesh;
+  mesh.chunks.push_back(TriangleChunk("rail"));
+  const WrittenMesh written = Written(mesh);
+  EXPECT_EQ(independent::ParseMesh(written.bytes).chunks.at(0).materialName, "railm.notex");
+  EXPECT_EQ(written.log.size(), 1u);
+}
+
+TEST(IndexedMeshWriter, OpacityMapIsLeftOut) {
+  ExIndexedMesh mesh;
+  mesh.chunks.push_back(TriangleChunk());
+  mesh.chunks[0].material.maps = {{.channel = kOpacity, .fileName = "a.texture"},
+                                  {.channel = kBump, .fileName = "b.texture"}};
+  const auto maps = independent::ParseMesh(Written(mesh).bytes).chunks.at(0).maps;
+  ASSERT_EQ(maps.size(), 1u);
+  EXPECT_EQ(maps[0].name, "b.texture");
+}
+
+TEST(IndexedMeshWriter, TwoOpacityMapsCountOneTooHigh) {
+  GenericMaterial material;
+  material.name = "a.m.onetex";
+  material.maps = {{.channel = kOpacity, .fileName = "a.texture"},
+                   {.channel = kOpacity, .fileName = "b.texture"}};
+  RecordingUserInterface ui;
+  bool ask = false, force = false;
+  const std::string bytes = BytesOf([&](std::ostream& out) {
+    WriteMaterial(out, material, false, "", {.askOverwrite = ask, .forceOverwrite = force}, ui);
+  });
+  EXPECT_EQ(bytes.substr(bytes.size() - 4), LittleEndian(1));
+}
+
+TEST(IndexedMeshWriter, TangentsNeedTheMaterialTypeAndTheArray) {
+  const auto geometry = [](const char* materialName, std::vector<Vec3> tangents) {
+    IndexedMesh::Chunk chunk = TriangleChunk(materialName);
+    chunk.tangents = std::move(tangents);
+    return BytesOf([&](std::ostream& out) { WriteGeometry(out, chunk, 0); });
+  };
+  const std::vector<Vec3> tangents = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+  const std::string plain = geometry("a.m.onetex", {});
+  EXPECT_EQ(geometry("a.m.onetex", tangents), plain);
+  EXPECT_EQ(geometry("a.m.onetex.tbump", {}), plain);
+  std::string expected = plain + Floats({1, 0, 0, 0, 1, 0, 0, 0, 1});
+  expected.replace(4, 4, LittleEndian(static_cast<uint32_t>(expected.size() - 8)));
+  expected.replace(16, 4, LittleEndian(1));
+  EXPECT_EQ(geometry("a.m.onetex.tbump", tangents), expected);
+}
+
+// Degenerate triangles that were dropped leave surplus rows in the tables of the triangles.
+TEST(IndexedMeshWriter, SurplusRowsOfTheTriangleTablesAreLeftOut) {
+  IndexedMesh::Chunk chunk = TriangleChunk();
+  chunk.faceNormals.push_back({9, 9, 9});
+  chunk.neighbours = {{1, 0x00020003, IndexedMesh::kNoNeighbour}, {7, 7, 7}};
+  EXPECT_EQ(BytesOf([&](std::ostream& out) { WriteNeighbours(out, chunk); }),
+            Chunk("NINF", 100, Words({1, 0x00020003, 0xFFFFFFFF})));
+  const std::string geom = BytesOf([&](std::ostream& out) { WriteGeometry(out, chunk, 0); });
+  EXPECT_EQ(geom.substr(geom.size() - 12), Floats({0, 0, 1}));
+}
+
+TEST(IndexedMeshWriter, MeshWithoutVerticesHasTheStartValuesAsItsBox) {
+  ExIndexedMesh mesh;
+  mesh.chunks.emplace_back();
+  mesh.chunks[0].material.name = "a.m.notex";
+  const auto file = independent::ParseMesh(Written(mesh).bytes);
+  constexpr float kMax = 3.4028235e38f;
+  EXPECT_EQ(file.minimum, (std::array<float, 3>{kMax, kMax, kMax}));
+  EXPECT_EQ(file.maximum, (std::array<float, 3>{-kMax, -kMax, -kMax}));
+  EXPECT_TRUE(file.chunks.at(0).vertices.empty());
+}
+
+// Only weights above zero count; a bone that lists a vertex twice counts once.
+TEST(IndexedMeshWriter, Statistics) {
+  ExIndexedMesh mesh = SkinnedMesh();
+  AddInfluence(*mesh.influences[0], "b.twice", {{1, 0.5f, {}}, {1, 0.5f, {}}});
+  const auto file = independent::ParseMesh(Written(mesh).bytes);
+  EXPECT_EQ(file.maxInfluences, 3u);  // hip, knee and twice on vertex 1
+  EXPECT_EQ(file.maxBones, 3u);       // not the toe
+  EXPECT_EQ(file.chunks[0].maxInfluences, 3u);
+  EXPECT_EQ(file.chunks[1].maxInfluences, 1u);
+}
+
+TEST(IndexedMeshWriter, InfluencesAreGroupedByNameIgnoringCase) {
+  ExIndexedMesh mesh = SkinnedMesh();
+  const std::string header = Floats({1, 2, 3, 1, 0, 0, 0, 1, 0, 0, 0, 1});
+  const std::string infl = LittleEndian(3) +                                             //
+                           Text("b.hip") + Text("") + header + Words({1, 0, 3}) +        //
+                           Words({0}) + Floats({1, 1, 1, 1}) +                           //
+                           Words({1}) + Floats({0.25f, 0, 0, 0}) +                       //
+                           Words({2}) + Floats({0, 0, 0, 0}) +                           //
+                           Text("b.Knee") + Text("b.hip") + header + Words({2, 0, 1}) +  //
+                           Words({1}) + Floats({0.75f, 0, 0, 0}) +                       //
+                           Words({1, 1, 2}) + Floats({1, 0, 0, 0}) +                     //
+                           Text("b.toe") + Text("b.Knee") + header + Words({1, 0, 0});
+  EXPECT_EQ(BytesOf([&](std::ostream& out) { WriteInfluences(out, mesh.influences); }),
+            Chunk("INFL", 100, infl));
+}
+
+TEST(IndexedMeshWriter, BoneTwiceInOneChunkGivesTwoMatches) {
+  ExIndexedMesh mesh;
+  mesh.chunks.push_back(TriangleChunk());
+  GenericMeshInfluence& influence = AddChunkInfluence(mesh);
+  AddInfluence(influence, "b.arm", {{0, 1, {}}}, "first");
+  AddInfluence(influence, "B.ARM", {{1, 1, {}}}, "second");
+  const auto file = independent::ParseMesh(Written(mesh).bytes);
+  ASSERT_EQ(file.influences.size(), 1u);
+  EXPECT_EQ(file.influences[0].parentName, "first");
+  ASSERT_EQ(file.influences[0].matches.size(), 2u);
+  EXPECT_EQ(file.influences[0].matches[1].weights.at(0).vertex, 1);
+}
+
+TEST(IndexedMeshWriter, ManyBonesAndChunksTakeLinearTime) {
+  ExIndexedMesh mesh;
+  for (int chunk = 0; chunk < 300; ++chunk) {
+    GenericMeshInfluence& influence = AddChunkInfluence(mesh);
+    for (int bone = 0; bone < 1000; ++bone) AddInfluence(influence, std::to_string(bone), {});
+  }
+  const std::string bytes =
+      BytesOf([&](std::ostream& out) { WriteInfluences(out, mesh.influences); });
+  EXPECT_EQ(bytes.substr(12, 4), LittleEndian(1000));
+}
+
+TEST(IndexedMeshWriter, AttachmentPoints) {
+  ExIndexedMesh mesh = SkinnedMesh();
+  EXPECT_EQ(
+      BytesOf([&](std::ostream& out) { WriteAttachments(out, mesh.attachmentPoints); }),
+      Chunk("ATCH", 100,
+            LittleEndian(2) + Text("muzzle") + Floats({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}) +
+                Text("hatch") + std::string(48, '\0')));
+}
+
+constexpr float kHalf = 0.70710678f;
+
+TEST(IndexedMeshWriter, BoundMeshHasItsSkeletonAndNoInfluences) {
+  ExIndexedMesh mesh = SkinnedMesh();
+  ExGenericSkeleton skeleton;
+  skeleton.m_root = Bone("b.root", {1, 0, 0}, {0, 0, -kHalf, kHalf});  // +90 degrees about z
+  skeleton.m_root->m_children.push_back(Bone("b.arm", {1, 2, 0}));
+  mesh.skeleton = &skeleton;
+  mesh.chunks[0].material.attachmentBone = skeleton.m_root.get();
+  const auto file = independent::ParseMesh(Written(mesh).bytes);
+  EXPECT_FALSE(file.hasInfluences);
+  EXPECT_EQ(file.chunks[0].boneName, "b.root");
+  ASSERT_EQ(file.bones.size(), 2u);
+  EXPECT_EQ(file.bones[0].pose, (std::array<float, 7>{1, 0, 0, 0, 0, -kHalf, kHalf}));
+  EXPECT_EQ(file.bones[1].parent, 0);
+  const std::array<float, 7> relative{2, 0, 0, 0, 0, kHalf, kHalf};
+  for (size_t i = 0; i < 7; ++i) EXPECT_NEAR(file.bones[1].pose[i], relative[i], 1e-6) << i;
+}
+
+// World = stored x parent's world holds for rotations about different axes, which do not commute.
+TEST(IndexedMeshWriter, StoredBoneTimesParentIsTheWorldAgain) {
+  const Quaternion aboutX{-kHalf, 0, 0, kHalf}, aboutZ{0, 0, -kHalf, kHalf};
+  ExGenericSkeleton skeleton;
+  skeleton.m_root = Bone("b.root", {1, 2, 3}, aboutX);
+  skeleton.m_root->m_children.push_back(Bone("b.tip", {4, 6, 8}, aboutZ));
+  ExIndexedMesh mesh;
+  mesh.skeleton = &skeleton;
+  const auto stored = independent::ParseMesh(Written(mesh).bytes).bones.at(1).pose;
+  // The rows of +90 degrees about x are (1,0,0), (0,0,1), (0,-1,0): (x, y, z) becomes (x, -z, y).
+  EXPECT_NEAR(1 + stored[0], 4, 1e-5);
+  EXPECT_NEAR(2 - stored[2], 6, 1e-5);
+  EXPECT_NEAR(3 + stored[1], 8, 1e-5);
+  const Matrix33 rows = RotationRows({stored[3], stored[4], stored[5], stored[6]});
+  const Matrix33 worldRows{Vec3{0, 1, 0}, Vec3{-1, 0, 0}, Vec3{0, 0, 1}};  // +90 about z
+  for (size_t i = 0; i < 3; ++i) {
+    EXPECT_NEAR(rows[i].x, worldRows[i].x, 1e-6) << i;
+    EXPECT_NEAR(-rows[i].z, worldRows[i].y, 1e-6) << i;
+    EXPECT_NEAR(rows[i].y, worldRows[i].z, 1e-6) << i;
+  }
+}
+
+class IndexedMeshFileOutput : public testing::Test {
+ protected:
+  bool Write(const std::string& fileName) {
+    ExIndexedMesh mesh;
+    mesh.chunks.push_back(TriangleChunk());
+    mesh.chunks[0].material.maps = {{.channel = kBump, .fileName = "stone.tga"}};
+    bool ask = false, force = false;
+    return WriteIndexedMeshFile(
+        mesh, fileName, {.optimise = false, .askOverwrite = ask, .forceOverwrite = force}, ui);
+  }
+  TemporaryFolder folder;
+  RecordingUserInterface ui;
+};
+
+TEST_F(IndexedMeshFileOutput, StandsWithItsSideFilesInOneFolder) {
+  WriteContent(folder.File("a.im"), "old");
+  ASSERT_TRUE(Write(folder.File("a.im")));
+  const auto file = independent::ParseMesh(ContentOf(folder.File("a.im")));
+  EXPECT_EQ(file.chunks.at(0).maps.at(0).name, folder.File("stone.texture"));
+  EXPECT_TRUE(std::filesystem::exists(folder.File("stone.texture.txt")));
+  EXPECT_EQ(folder.Count(), 2u);
+}
+
+TEST_F(IndexedMeshFileOutput, FailureIsToldWithTheSystemsReason) {
+  EXPECT_FALSE(Write(folder.File("missing/a.im")));
+  EXPECT_EQ(ui.log,
+            std::vector<std::string>{"info: Could not write " + folder.File("missing/a.im") +
+                                     ": No such file or directory"});
+  ui.log.clear();
+  EXPECT_FALSE(Write("/dev/full"));
+  EXPECT_EQ(ui.log.back(), "info: Could not write /dev/full: No space left on device");
+  EXPECT_EQ(folder.Count(), 0u);
+}
+
+}  // namespace
+}  // namespace orv
