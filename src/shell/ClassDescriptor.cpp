@@ -1,7 +1,5 @@
 #include "shell/ClassDescriptor.h"
 
-#include <new>
-
 #include "platform/Platform.h"
 #include "shell/OrvExporter.h"
 #include "shell/ResourceText.h"
@@ -10,7 +8,7 @@ namespace orv {
 
 int ClassDescriptor::IsPublic() { return 1; }
 
-void* ClassDescriptor::Create(BOOL /*loading*/) { return new (std::nothrow) OrvExporter; }
+void* ClassDescriptor::Create(BOOL /*loading*/) { return new OrvExporter; }
 
 const TCHAR* ClassDescriptor::ClassName() { return ResourceText(platform::kStringClassName); }
 
