@@ -1,0 +1,227 @@
+#include "xml/MXMLParser.h"
+
+#include <gtest/gtest.h>
+
+#include "xml/MemoryStream.h"
+
+namespace orv {
+namespace {
+
+// Everything the parser can meet, so that every cut of it is a different moment.
+constexpr const char* kAllSyntax =
+    "\r\n<?xml version=\"1.0\"?> <!-- a - b -- c --->\n"
+    "<r\xC3\xA9  a = \"1 &lt; &#x41;\"\n\tb.c-d=\"'&quot;&#65;\" >text &amp; &#xe9;\n"
+    "<e/><e ></e\t><![CDATA[]] ]> <&>]]]>&apos;<!----><?pi ? ?><x:y _z=\"\"/></r\xC3\xA9 "
+    ">\n<!--end-->";
+
+std::string EventsOf(const std::string& text, size_t cut) {
+  std::string events;
+  MXMLParserCallbacks callbacks = {
+      &events,
+      [](void* user, const char* name, const char* const* attributes) {
+        std::string& out = *static_cast<std::string*>(user);
+        out += std::string("start ") + name + "\n";
+        for (; *attributes; attributes += 2) {
+          out += std::string("  ") + attributes[0] + "=" + attributes[1] + "\n";
+        }
+      },
+      [](void* user) { *static_cast<std::string*>(user) += "end\n"; },
+      [](void* user, MXMLContent kind, const char* content) {
+        *static_cast<std::string*>(user) +=
+            std::to_string(static_cast<int>(kind)) + " [" + content + "]\n";
+      }};
+  MXMLParser parser(callbacks);
+  parser.Feed(text.data(), cut, false);
+  const MXMLParser::Status status = parser.Feed(text.data() + cut, text.size() - cut, true);
+  return events + (status == MXMLParser::kDone ? "done" : parser.ErrorText());
+}
+
+TEST(XmlParser, Events) {
+  EXPECT_EQ(EventsOf(kAllSyntax, 0),
+            "0 [xml version=\"1.0\"]\n"
+            "1 [ a - b -- c -]\n"
+            "start r\xC3\xA9\n  a=1 < A\n  b.c-d='\"A\n"
+            "2 [text & \xE9\n]\n"
+            "start e\nend\n"
+            "start e\nend\n"
+            "3 []] ]> <&>]]\n"
+            "2 [']\n"
+            "1 []\n"
+            "0 [pi ? ]\n"
+            "start x:y\n  _z=\nend\n"
+            "end\n"
+            "1 [end]\n"
+            "done");
+}
+
+TEST(XmlParser, CutsChangeNothing) {
+  const std::string text = kAllSyntax;
+  const std::string whole = EventsOf(text, 0);
+  for (size_t cut = 1; cut <= text.size(); ++cut) EXPECT_EQ(EventsOf(text, cut), whole) << cut;
+
+  const std::string rewritten = Rewritten(text);
+  for (size_t bufferSize : {1, 2, 3, 7, 4096}) {
+    MXMLDocument document;
+    EXPECT_TRUE(ParseText(document, text, bufferSize));
+    EXPECT_EQ(WrittenBy(document), rewritten) << bufferSize;
+  }
+}
+
+TEST(XmlParser, TokensAcrossTheBufferOfTheOptionsFile) {
+  for (const char* token : {"<![CDATA[x]]>", "&amp;", "<name a=\"v\"></name>", "<!--c-->"}) {
+    const size_t length = std::string(token).size();
+    const std::string tail = token + std::string("</r>");
+    const std::string expected = Rewritten("<r>" + std::string(50, 'x') + tail);
+    for (size_t split = 0; split <= length; ++split) {
+      const std::string blanks(4096 - 3 - split, 'x');
+      EXPECT_EQ(Rewritten("<r>" + blanks + tail), "<r>" + blanks + expected.substr(3 + 50))
+          << token << " after " << split;
+    }
+  }
+}
+
+TEST(XmlParser, Messages) {
+  const struct {
+    const char* text;
+    const char* message;
+  } cases[] = {
+      {"x", "expecting '<' line 1, col 2"},
+      {"\xEF\xBB\xBF<a/>", "expecting '<' line 1, col 2"},
+      {"<a/>\nx", "expecting '<' line 2, col 2"},
+      {"<a/>\r\n x", "expecting '<' line 2, col 3"},
+      {"\r\r\n\rx", "expecting '<' line 2, col 3"},
+      {"<a/><b/>", "already parsed document root element line 1, col 7"},
+      {"<a></a>\n<a>", "already parsed document root element line 2, col 3"},
+      {"<1>", "invalid name start '1' line 1, col 3"},
+      {"< a>", "invalid name start ' ' line 1, col 3"},
+      {"<a></>", "invalid name start '>' line 1, col 7"},
+      {"<a =\"1\">", "invalid name start '=' line 1, col 5"},
+      {"<a\"b\">", "unexpected character '\"' line 1, col 4"},
+      {"<a></a$>", "unexpected character '$' line 1, col 8"},
+      {"<a></a b>", "expecting '>' line 1, col 9"},
+      {"<a/><!-- ", "expecting '>' line 1, col 10"},
+      {"<a/><", "expecting '>' line 1, col 6"},
+      {"", "expecting element line 1, col 1"},
+      {"\n ", "expecting element line 2, col 2"},
+      {"<!--only-->", "expecting element line 1, col 12"},
+      {"</a>", "expecting element line 1, col 3"},
+      {"<a/></a>", "expecting element line 1, col 7"},
+      {"<a>text", "expecting element line 1, col 8"},
+      {"<a>x & y</a>", "expecting element line 1, col 13"},
+      {"<a b=\"", "expecting element line 1, col 7"},
+      {"<!DOCTYPE a>", "expecting '-' or '[' line 1, col 4"},
+      {"<!-x", "expecting '-' line 1, col 5"},
+      {"<a b>", "expecting '=' line 1, col 6"},
+      {"<a b c=\"\">", "expecting '=' line 1, col 7"},
+      {"<a b$=\"\">", "expecting '=' line 1, col 6"},
+      {"<a b='1'>", "expecting '\"' line 1, col 7"},
+      {"<a b=\n1>", "expecting '\"' line 2, col 2"},
+      {"<a/b>", "unexpected char 'b' line 1, col 5"},
+      {"<a / >", "unexpected char ' ' line 1, col 6"},
+      {"<a b=\"1\"c=\"2\">", "unexpected char 'c' line 1, col 10"},
+      {"<a></b>", "end tag does not match start tag, line 1, col 8"},
+      {"<a><b></a></b>", "end tag does not match start tag, line 1, col 11"},
+      {"<a></ab>", "end tag does not match start tag, line 1, col 9"},
+      {"<a><![CDATa[", "invalid CDATA line 1, col 12"},
+      {"<![CDATA[x]]>", "cant have CDATA at top level line 1, col 10"},
+      {"<a/><![CDATA[", "cant have CDATA at top level line 1, col 14"},
+      {"<a>&nbsp;</a>", "unrecognized escape sequence line 1, col 10"},
+      {"<a>&AMP;</a>", "unrecognized escape sequence line 1, col 9"},
+      {"<a>&;</a>", "unrecognized escape sequence line 1, col 6"},
+      {"<a b=\"&nbsp;\"/>", "unrecognized escape sequence line 1, col 13"},
+      {"<a>&#xZZ;</a>", "invalid character escape  sequence line 1, col 10"},
+      {"<a>&#;</a>", "invalid character escape  sequence line 1, col 7"},
+      {"<a>&#256;</a>", "invalid character escape  sequence line 1, col 10"},
+      {"<a>&#-1;</a>", "invalid character escape  sequence line 1, col 9"},
+      {"<a>&#x99999999999999999999;</a>", "invalid character escape  sequence line 1, col 28"},
+      {"<a>&#X41;</a>", "invalid character escape  sequence line 1, col 10"},
+  };
+  for (const auto& [text, message] : cases) {
+    for (size_t bufferSize : {1, 2, 3, 7, 4096}) {
+      EXPECT_EQ(ErrorOf(text, bufferSize), message) << text << " by " << bufferSize;
+    }
+  }
+}
+
+TEST(XmlParser, References) {
+  const struct {
+    const char* escaped;
+    const char* text;
+  } cases[] = {
+      {"&#x41;&#65;", "AA"},
+      {"&#xc3;&#xA9;", "\xC3\xA9"},
+      {"&#255;", "\xFF"},
+      {"&amp;lt;", "&lt;"},
+      {"&apos;&amp;&gt;&lt;&quot;", "'&><\""},
+      {"a&#0;b", "a"},  // texts end at a zero byte
+  };
+  for (const auto& [escaped, text] : cases) {
+    MXMLDocument document;
+    const std::string quoted = escaped;
+    ASSERT_TRUE(ParseText(document, "<a b=\"" + quoted + "\">" + quoted + "</a>")) << escaped;
+    const MXMLElement* element = document.Top().FindElement("a");
+    EXPECT_STREQ(element->GetText(), text) << escaped;
+    EXPECT_STREQ(element->Attribute("b"), text) << escaped;
+  }
+}
+
+TEST(XmlParser, FailureLeavesTheTreeAndSuccessReplacesIt) {
+  MXMLDocument document;
+  ASSERT_TRUE(ParseText(document, "<old/>"));
+  EXPECT_FALSE(ParseText(document, "<a><b></a>"));
+  EXPECT_EQ(WrittenBy(document), "<old/>");
+  EXPECT_STREQ(document.ErrorText(), "end tag does not match start tag, line 1, col 11");
+  EXPECT_TRUE(ParseText(document, "<new/>"));
+  EXPECT_EQ(WrittenBy(document), "<new/>");
+}
+
+// Every prefix, and every byte replaced by one that matters: what parses must survive a rewrite.
+TEST(XmlParser, DamagedTexts) {
+  const auto parsesStably = [](const std::string& text) {
+    MXMLDocument document;
+    if (!ParseText(document, text, 7)) return false;
+    const std::string written = WrittenBy(document);
+    EXPECT_EQ(Rewritten(written), written) << text;
+    return true;
+  };
+  const std::string text = kAllSyntax;
+  size_t refused = 0;
+  for (size_t i = 0; i < text.size(); ++i) {
+    parsesStably(text.substr(0, i));
+    for (const char c : std::string("<>/!?[]-&;#\"= x\n\x80\0", 18)) {
+      std::string damaged = text;
+      damaged[i] = c;
+      refused += !parsesStably(damaged);
+    }
+  }
+  EXPECT_GT(refused, text.size());
+}
+
+TEST(XmlParser, DepthAndWidthWithoutLimit) {
+  constexpr size_t kCount = 100'000;
+  std::string deep, closing, wide = "<r";
+  for (size_t i = 0; i < kCount; ++i) {
+    deep += "<a>";
+    closing += "</a>";
+    wide += " a" + std::to_string(i) + "=\"\"";
+  }
+  deep += "x" + closing;
+  wide += " a0=\"again\"/>";
+
+  MXMLDocument document;
+  ASSERT_TRUE(ParseText(document, deep));
+  EXPECT_EQ(WrittenBy(document), deep);
+  document.Top().Trim(true);
+  MXMLDocument copy;
+  copy.Top().CopyFrom(document.Top());
+  EXPECT_EQ(WrittenBy(copy), deep);
+  EXPECT_EQ(ErrorOf(deep.substr(0, 3 * kCount)), "expecting element line 1, col 300001");
+
+  ASSERT_TRUE(ParseText(document, wide));
+  const MXMLElement* root = document.Top().FindElement("r");
+  EXPECT_EQ(root->Attributes().size(), kCount);
+  EXPECT_STREQ(root->Attributes()[0].value, "again");
+}
+
+}  // namespace
+}  // namespace orv
