@@ -1,0 +1,220 @@
+#include "options/Options.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace orv {
+namespace {
+
+namespace fs = std::filesystem;
+
+class OptionsFile : public testing::Test {
+ protected:
+  OptionsFile() {
+    m_folder =
+        fs::temp_directory_path() / ("orv-options-" + std::to_string(std::random_device()()));
+    fs::create_directory(m_folder);
+    m_path = (m_folder / "OrvExporter.xml").string();
+  }
+  ~OptionsFile() override { fs::remove_all(m_folder); }
+
+  void Put(const std::string& bytes) const { std::ofstream(m_path, std::ios::binary) << bytes; }
+  std::string Get() const {
+    std::ifstream in(m_path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(in), {});
+  }
+  bool LoadText(Options& options, const std::string& elements) const {
+    Put("<OrvExporterOptions>" + elements + "</OrvExporterOptions>");
+    return options.Load(m_path.c_str());
+  }
+
+  fs::path m_folder;
+  std::string m_path;
+};
+
+// The persisted values in a line, for comparing.
+std::string Persisted(const Options& o) {
+  std::string line;
+  for (bool flag :
+       {o.m_useDefaultColors, o.m_forceTxtOverwrite, o.m_askTxtOverwrite, o.m_collectTextures,
+        o.m_normalMapFlipGreen, o.m_enableWarnings, o.m_exportGeometry, o.m_exportAnimation}) {
+    line += flag ? '1' : '0';
+  }
+  return line + " [" + o.m_eventFileName.CStr() + "]";
+}
+
+TEST(Options, TextToBool) {
+  const struct {
+    const char* text;
+    char result;  // 't', 'f', or '=' for the fallback
+  } cases[] = {
+      {"true", 't'},
+      {"TRUE", 't'},
+      {"tRuEX", 't'},
+      {" \t\r\nTrue ", 't'},
+      {"tru", '='},
+      {"t", '='},
+      {"truth", '='},
+      {"false", 'f'},
+      {"False ", 'f'},
+      {"FALSEhood", 'f'},
+      {"fals", '='},
+      {"f", '='},
+      {"0", 'f'},
+      {"0x", 'f'},
+      {"01", 'f'},
+      {"1", 't'},
+      {"10", 't'},
+      {" 1", 't'},
+      {"2", '='},
+      {"-1", '='},
+      {"no", '='},
+      {"yes", '='},
+      {"", '='},
+      {" \n", '='},
+      {nullptr, '='},
+      {"\vtrue", '='},
+      {"\xC2\xA0true", '='},
+  };
+  for (const auto& [text, result] : cases) {
+    for (const bool fallback : {false, true}) {
+      EXPECT_EQ(TextToBool(text, fallback), result == '=' ? fallback : result == 't')
+          << (text ? text : "null") << " else " << fallback;
+    }
+  }
+  EXPECT_STREQ(BoolToText(true), "true");
+  EXPECT_STREQ(BoolToText(false), "false");
+}
+
+TEST(Options, ResetKeepsTheAnimationFramesAndTheEventFile) {
+  Options options;
+  options.m_buildNeighbourInfo = options.m_useDefaultColors = options.m_collectTextures = true;
+  options.m_optimise = options.m_askTxtOverwrite = options.m_exportGeometry = false;
+  options.m_animationStartFrame = 3;
+  options.m_animationEndFrame = 9;
+  options.m_exportStartFrame = 4;
+  options.m_exportEndFrame = 5;
+  options.m_eventFileName = "loco.evt";
+  options.Reset();
+  EXPECT_EQ(Persisted(options), "00100111 [loco.evt]");
+  EXPECT_FALSE(options.m_buildNeighbourInfo);
+  EXPECT_TRUE(options.m_optimise);
+  EXPECT_EQ(options.m_animationStartFrame, 3);
+  EXPECT_EQ(options.m_animationEndFrame, 9);
+  EXPECT_EQ(options.m_exportStartFrame, -1);
+  EXPECT_EQ(options.m_exportEndFrame, -1);
+  EXPECT_EQ(&Options::Instance(), &Options::Instance());
+}
+
+TEST_F(OptionsFile, Bytes) {
+  ASSERT_TRUE(Options().Save(m_path.c_str()));
+  EXPECT_EQ(Get(),
+            "\r\n<OrvExporterOptions>"
+            "\r\n  <!--This file was created by the Velmor OrvExporter to remember the last "
+            "configuration.\nIt is not intended, nor should there be need to hand edit this "
+            "file.\nThis file will be re-created with each run.  Additional data will not be "
+            "preserved.\nYou may safely delete this file and default configuration will be used.-->"
+            "\r\n  <m_useDefaultColors>false</m_useDefaultColors>"
+            "\r\n  <m_forceTxtOverwrite>false</m_forceTxtOverwrite>"
+            "\r\n  <m_askTxtOverwrite>true</m_askTxtOverwrite>"
+            "\r\n  <m_collectTextures>false</m_collectTextures>"
+            "\r\n  <m_normalMapFlipGreen>false</m_normalMapFlipGreen>"
+            "\r\n  <m_eventFileName/>"
+            "\r\n  <m_enableWarnings>true</m_enableWarnings>"
+            "\r\n  <m_exportGeometry>true</m_exportGeometry>"
+            "\r\n  <m_exportAnimation>true</m_exportAnimation>"
+            "\r\n</OrvExporterOptions>");
+}
+
+TEST_F(OptionsFile, RoundTrip) {
+  bool Options::*const kFlags[] = {
+      &Options::m_useDefaultColors, &Options::m_forceTxtOverwrite,  &Options::m_askTxtOverwrite,
+      &Options::m_collectTextures,  &Options::m_normalMapFlipGreen, &Options::m_enableWarnings,
+      &Options::m_exportGeometry,   &Options::m_exportAnimation,
+  };
+  for (const char* name : {"", "C:\\\xC3\xA9v\\a & <b> 'c'.evt"}) {
+    for (auto flag : kFlags) {
+      Options saved, loaded;
+      saved.*flag = !(saved.*flag);
+      saved.m_eventFileName = name;
+      saved.m_exportStartFrame = 7;
+      saved.m_optimise = false;
+      loaded.m_eventFileName = "before";
+      ASSERT_TRUE(saved.Save(m_path.c_str()));
+      ASSERT_TRUE(loaded.Load(m_path.c_str()));
+      EXPECT_EQ(Persisted(loaded), Persisted(saved));
+      EXPECT_EQ(loaded.m_exportStartFrame, -1);
+      EXPECT_TRUE(loaded.m_optimise);
+    }
+  }
+}
+
+TEST_F(OptionsFile, LoadsLeniently) {
+  const struct {
+    const char* elements;
+    const char* expected;  // from the defaults, but with m_enableWarnings off and "before"
+  } cases[] = {
+      {"", "00100011 [before]"},
+      {"<m_exportGeometry> False </m_exportGeometry>", "00100001 [before]"},
+      {"<m_exportGeometry>no</m_exportGeometry>", "00100011 [before]"},
+      {"<m_enableWarnings>1</m_enableWarnings>", "00100111 [before]"},
+      {"<m_enableWarnings/>", "00100011 [before]"},
+      {"<m_enableWarnings>no</m_enableWarnings><m_enableWarnings>1</m_enableWarnings>",
+       "00100011 [before]"},
+      {"<m_collectTextures><!--x--><![CDATA[1]]></m_collectTextures>", "00110011 [before]"},
+      {"<x><m_enableWarnings>1</m_enableWarnings></x>", "00100011 [before]"},
+      {"<m_eventFileName>\n  C:\\events\\loco.evt \n</m_eventFileName>",
+       "00100011 [C:\\events\\loco.evt]"},
+      {"<m_eventFileName/>", "00100011 []"},
+      {"<m_exportAnimation>0</m_exportAnimation><z/><m_useDefaultColors>1</m_useDefaultColors>",
+       "10100010 [before]"},
+  };
+  for (const auto& [elements, expected] : cases) {
+    Options options;
+    options.m_enableWarnings = false;
+    options.m_eventFileName = "before";
+    EXPECT_TRUE(LoadText(options, elements)) << elements;
+    EXPECT_EQ(Persisted(options), expected) << elements;
+  }
+}
+
+TEST_F(OptionsFile, WhatIsNoOptionsFileChangesNothing) {
+  const char* const texts[] = {
+      "",
+      "<Options><m_enableWarnings>0</m_enableWarnings></Options>",
+      "<OrvExporterOptions><m_enableWarnings>0</m_enableWarnings>",
+      "<x><OrvExporterOptions><m_enableWarnings>0</m_enableWarnings></OrvExporterOptions></x>",
+  };
+  Options options;
+  EXPECT_FALSE(options.Load(m_path.c_str()));
+  EXPECT_FALSE(options.Load(m_folder.string().c_str()));
+  for (const char* text : texts) {
+    Put(text);
+    EXPECT_FALSE(options.Load(m_path.c_str())) << text;
+  }
+  EXPECT_EQ(Persisted(options), "00100111 []");
+}
+
+TEST_F(OptionsFile, SavesInPlaceOfTheOldFileOnly) {
+  Put("old");
+  std::string windowsPath = m_path;
+  std::replace(windowsPath.begin(), windowsPath.end(), '/', '\\');
+  EXPECT_TRUE(Options().Save(windowsPath.c_str()));
+  EXPECT_TRUE(Options().Load(windowsPath.c_str()));
+  EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), {}), 1) << "nothing beside it";
+
+  EXPECT_FALSE(Options().Save((m_folder / "no folder" / "x.xml").string().c_str()));
+  EXPECT_FALSE(Options().Save(m_folder.string().c_str()));
+}
+
+#ifdef __linux__
+TEST_F(OptionsFile, AFailedWriteIsNotReported) { EXPECT_TRUE(Options().Save("/dev/full")); }
+#endif
+
+}  // namespace
+}  // namespace orv
