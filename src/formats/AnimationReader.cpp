@@ -60,26 +60,13 @@ void ReadFile(ChunkReader& in, AnimationFile& file) {
   ReadEventRecords(in, file.events);
   ReadSkeleton(in, file.bones);
   ReadFrames(in, file);
-  in.LeaveChunk();
-  if (in.BytesLeft() > 0) {
-    in.Remark(ReadFault::Length, std::to_string(in.BytesLeft()) + " bytes follow the last chunk");
-  }
+  in.LeaveRoot();
 }
 
 }  // namespace
 
 bool ReadAnimation(std::string_view bytes, AnimationFile& file, ReadProblem& problem) {
-  file = {};
-  ChunkReader in(bytes);
-  bool complete = true;
-  try {
-    ReadFile(in, file);
-  } catch (const ReadProblem& found) {
-    problem = found;
-    complete = false;
-  }
-  file.remarks = in.TakeRemarks();
-  return complete;
+  return ReadContent(bytes, file, problem, ReadFile);
 }
 
 bool ReadAnimationFile(const std::string& fileName, AnimationFile& file, ReadProblem& problem) {

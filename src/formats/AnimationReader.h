@@ -29,8 +29,7 @@ struct AnimationFile {
   }
 };
 
-// False, with the problem, when the bytes are no animation file. The file is then as far as it was
-// read.
+// False, with the problem, when the bytes are no animation file.
 bool ReadAnimation(std::string_view bytes, AnimationFile& file, ReadProblem& problem);
 bool ReadAnimationFile(const std::string& fileName, AnimationFile& file, ReadProblem& problem);
 

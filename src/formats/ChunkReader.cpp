@@ -59,6 +59,15 @@ void ChunkReader::EnterRoot(const char (&fileType)[5]) {
   ReadTag(fileType);
 }
 
+void ChunkReader::LeaveRoot() {
+  const size_t end = Limit();
+  LeaveChunk();
+  m_position = end;
+  if (BytesLeft() > 0) {
+    Remark(ReadFault::Length, std::to_string(BytesLeft()) + " bytes follow the last chunk");
+  }
+}
+
 uint32_t ChunkReader::EnterChunk(const char (&tag)[5], uint32_t minVersion, uint32_t maxVersion,
                                  int64_t number) {
   ReadTag(tag);
@@ -76,9 +85,9 @@ bool ChunkReader::TryEnterChunk(const char (&tag)[5], uint32_t version) {
   OpenHere(tag, -1);
   const uint32_t found = ReadU32();
   if (found == version) return true;
+  m_position -= 4;
   Remark(ReadFault::Version, "version " + std::to_string(found) + " is unknown");
   m_open.pop_back();
-  m_position -= 4;
   return false;
 }
 

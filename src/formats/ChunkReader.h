@@ -53,6 +53,7 @@ class ChunkReader {
   bool NextIs(char letter) const { return BytesLeft() > 0 && m_bytes[m_position] == letter; }
 
   void EnterRoot(const char (&fileType)[5]);
+  void LeaveRoot();
 
   // Returns the version. number: of the chunk among its like, for the path; -1 for an only one.
   uint32_t EnterChunk(const char (&tag)[5], uint32_t minVersion, uint32_t maxVersion,
@@ -113,5 +114,23 @@ class ChunkReader {
   std::vector<OpenChunk> m_open;
   std::vector<ReadProblem> m_remarks;
 };
+
+// Reads a file through read, which throws what ends it. False, with the problem, when it does; the
+// file is then as far as it was read. The remarks are in the file either way.
+template <typename File>
+bool ReadContent(std::string_view bytes, File& file, ReadProblem& problem,
+                 void (*read)(ChunkReader&, File&)) {
+  file = {};
+  ChunkReader in(bytes);
+  bool complete = true;
+  try {
+    read(in, file);
+  } catch (const ReadProblem& found) {
+    problem = found;
+    complete = false;
+  }
+  file.remarks = in.TakeRemarks();
+  return complete;
+}
 
 }  // namespace orv

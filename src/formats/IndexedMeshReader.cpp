@@ -218,26 +218,13 @@ void ReadFile(ChunkReader& in, IndexedMeshFile& file) {
   ReadChunks(in, chunkCount, file);
   if (!TryReadInfluences(in, file.mesh)) TryReadSkeleton(in, file);
   TryReadAttachments(in, file.mesh.attachmentPoints);
-  in.LeaveChunk();
-  if (in.BytesLeft() > 0) {
-    in.Remark(ReadFault::Length, std::to_string(in.BytesLeft()) + " bytes follow the last chunk");
-  }
+  in.LeaveRoot();
 }
 
 }  // namespace
 
 bool ReadIndexedMesh(std::string_view bytes, IndexedMeshFile& file, ReadProblem& problem) {
-  file = {};
-  ChunkReader in(bytes);
-  bool complete = true;
-  try {
-    ReadFile(in, file);
-  } catch (const ReadProblem& found) {
-    problem = found;
-    complete = false;
-  }
-  file.remarks = in.TakeRemarks();
-  return complete;
+  return ReadContent(bytes, file, problem, ReadFile);
 }
 
 bool ReadIndexedMeshFile(const std::string& fileName, IndexedMeshFile& file, ReadProblem& problem) {

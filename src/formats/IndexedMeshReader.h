@@ -39,8 +39,7 @@ struct IndexedMeshFile {
   std::vector<ReadProblem> remarks;
 };
 
-// False, with the problem, when the bytes are no indexed mesh file. The file is then as far as it
-// was read.
+// False, with the problem, when the bytes are no indexed mesh file.
 bool ReadIndexedMesh(std::string_view bytes, IndexedMeshFile& file, ReadProblem& problem);
 bool ReadIndexedMeshFile(const std::string& fileName, IndexedMeshFile& file, ReadProblem& problem);
 
