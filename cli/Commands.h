@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "SceneFile.h"
+#include "host/scene/OpenScene.h"
 
 namespace orv::cli {
 

@@ -8,11 +8,11 @@
 #include <optional>
 
 #include "Commands.h"
-#include "MemoryHost.h"
 #include "PluginLibrary.h"
 #include "Suggest.h"
 #include "Terminal.h"
 #include "TerminalDialogs.h"
+#include "host/scene/MemoryHost.h"
 #include "platform/ExString.h"
 
 namespace orv::cli {
@@ -115,9 +115,9 @@ void CheckEventFile(const std::string& path) {
 // Runs the export in the plug-in; what it says goes to the dialogs.
 void RunPlugin(host::Scene& scene, const std::string& name, const std::string& settingsFolder,
                Terminal& terminal, TerminalDialogs& dialogs) {
-  host::MemoryHost memoryHost(scene);
-  memoryHost.SetProgressSink(
-      [&](int percent, const char* title) { terminal.ShowProgress(percent, title); });
+  host::MemoryHost memoryHost(scene, [&](int percent, const char* title) {
+    title ? terminal.ShowProgress(percent, title) : terminal.ClearProgress();
+  });
   PluginLibrary library;
   HostServices services;
   services.core = &memoryHost;
@@ -154,7 +154,7 @@ int Export(ExportArguments& arguments) {
   const std::unique_ptr<host::Scene> scene =
       host::OpenScene(arguments.scene, arguments.sceneSettings);
   MarkNodes(*scene, arguments);
-  for (const std::string& warning : scene->Warnings()) terminal.Log(Severity::Warning, warning);
+  for (const std::string& warning : scene->info.warnings) terminal.Log(Severity::Warning, warning);
 
   std::optional<PrivateFolder> privateSettings;
   if (arguments.settingsFolder.empty()) arguments.settingsFolder = privateSettings.emplace().Path();
