@@ -1,0 +1,53 @@
+#include "host/scene/ImageAlpha.h"
+
+#include <cstdint>
+
+namespace orv::host {
+namespace {
+
+using namespace std::string_view_literals;
+
+uint32_t BigEndian(std::string_view bytes, size_t at) {
+  uint32_t value = 0;
+  for (size_t i = 0; i < 4; ++i) value = value << 8 | static_cast<unsigned char>(bytes[at + i]);
+  return value;
+}
+
+// Grey or colour with alpha; or one transparent colour, named in a chunk before the pixels.
+bool PngCarriesAlpha(std::string_view bytes) {
+  constexpr size_t kColourType = 25;
+  if (bytes.size() <= kColourType) return false;
+  if (bytes[kColourType] == 4 || bytes[kColourType] == 6) return true;
+  size_t chunk = 8;
+  while (chunk + 8 <= bytes.size()) {
+    const std::string_view tag = bytes.substr(chunk + 4, 4);
+    if (tag == "tRNS") return true;
+    if (tag == "IDAT") return false;
+    chunk += size_t{12} + BigEndian(bytes, chunk);
+  }
+  return false;
+}
+
+bool EndsWithIgnoringCase(std::string_view text, std::string_view lowerEnd) {
+  if (text.size() < lowerEnd.size()) return false;
+  text.remove_prefix(text.size() - lowerEnd.size());
+  for (size_t i = 0; i < text.size(); ++i) {
+    const char c = text[i] >= 'A' && text[i] <= 'Z' ? static_cast<char>(text[i] + 32) : text[i];
+    if (c != lowerEnd[i]) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+bool ImageCarriesAlpha(std::string_view bytes, std::string_view fileName) {
+  if (bytes.starts_with("\x89PNG"sv)) return PngCarriesAlpha(bytes);
+  if (bytes.starts_with("\xFF\xD8\xFF"sv)) return false;  // JPEG
+  constexpr size_t kTgaDepth = 16;
+  if (EndsWithIgnoringCase(fileName, ".tga") && bytes.size() > kTgaDepth) {
+    return bytes[kTgaDepth] == 32;
+  }
+  return true;
+}
+
+}  // namespace orv::host
