@@ -28,7 +28,7 @@ TEST(Container, TextsArePaddedToFourBytesWithoutTerminator) {
       {"spine", LittleEndian(8) + std::string("spine\0\0\0", 8)},
   };
   for (const auto& [text, bytes] : cases) {
-    EXPECT_EQ(BytesOf([&](std::ostream& out) { WriteString(out, text); }), bytes) << text;
+    EXPECT_EQ(BytesOf([text = text](std::ostream& out) { WriteString(out, text); }), bytes) << text;
   }
 }
 

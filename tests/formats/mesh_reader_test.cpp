@@ -315,8 +315,7 @@ TEST(IndexedMeshReader, DeeplyNestedBones) {
   std::string bones;
   for (uint32_t i = 0; i < kDepth; ++i) {
     bones += "BONE" + LittleEndian((kDepth - i) * kBoneSize - 8) + LittleEndian(100) +
-             Text("b").substr(0, 0) + LittleEndian(0) + std::string(28, '\0') +
-             LittleEndian(i + 1 < kDepth ? 1 : 0);
+             LittleEndian(0) + std::string(28, '\0') + LittleEndian(i + 1 < kDepth ? 1 : 0);
   }
   MeshParts parts;
   parts.tail = Chunk("SKEL", 100, bones);
