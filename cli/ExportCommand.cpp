@@ -1,6 +1,6 @@
 #include <sys/stat.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -26,7 +26,8 @@ struct UsageError : std::runtime_error {
 // has one to put textures in.
 std::string OutputStem(const ExportArguments& arguments) {
   std::string stem = arguments.output;
-  if (stem.empty()) stem = BaseNamePart(arguments.scene);
+  if (stem.empty() || stem.ends_with('/') || std::filesystem::is_directory(stem))
+    stem = std::filesystem::path(stem) / BaseNamePart(arguments.scene);
   for (const std::string_view extension : {".im", ".kin"}) {
     if (stem.size() > extension.size() &&
         EqualIgnoringCase(std::string_view(stem).substr(stem.size() - extension.size()),
@@ -129,15 +130,32 @@ void RunPlugin(host::Scene& scene, const std::string& name, const std::string& s
   exporter->DoExport(name.c_str(), nullptr, &memoryHost, FALSE, 0);
 }
 
+bool HasLine(const std::vector<std::string>& lines, const std::string& text) {
+  return std::find(lines.begin(), lines.end(), text) != lines.end();
+}
+
+// Why a file is missing, from what the export said; a new sentence for the cases that need one.
+std::string WhyMissing(const std::string& path, const std::vector<std::string>& lines) {
+  const std::string failure = "Could not write " + path + ": ";
+  for (const std::string& line : lines)
+    if (line.starts_with(failure)) return line.substr(failure.size());
+  if (path.ends_with(".kin") && HasLine(lines, "No bones to export animation")) {
+    return "the scene has no bones. Bones are nodes whose names begin with \"b.\"; see also "
+           "--joints-as-bones and --no-animation";
+  }
+  if (path.ends_with(".im") && HasLine(lines, "Export cancelled - nothing to export"))
+    return "nothing to export. The log above says why each mesh was left out";
+  return "the export was stopped";
+}
+
 // Says what became of each file; the exit status of the run.
 int Conclude(const std::vector<FileWatch>& files, const TerminalDialogs& dialogs, bool quiet) {
   int status = dialogs.ErrorCount() > 0 ? kStatusErrorsLogged : kStatusSuccess;
   for (const FileWatch& file : files) {
     const std::optional<uintmax_t> size = file.SizeWhenWritten();
     if (!size) {
-      std::cerr << "orv: " << file.Path() << " was not written";
-      if (!dialogs.LastProblem().empty()) std::cerr << ": " << dialogs.LastProblem();
-      std::cerr << '\n';
+      std::cerr << "orv: " << file.Path()
+                << " was not written: " << WhyMissing(file.Path(), dialogs.Lines()) << ".\n";
       status = kStatusFileMissing;
     } else if (!quiet) {
       std::cout << file.Path() << " (" << *size << " bytes)\n";

@@ -31,7 +31,7 @@ void TerminalDialogs::Log(Severity severity, const char* text) {
     return;
   }
   if (severity == Severity::Error) ++m_errorCount;
-  if (severity != Severity::Information) m_lastProblem = text;
+  m_lines.push_back(text);
   m_terminal.Log(severity, text);
 }
 

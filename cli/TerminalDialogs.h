@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "Terminal.h"
 #include "shell/ExportDialogs.h"
@@ -25,14 +26,14 @@ class TerminalDialogs : public ExportDialogs {
 
   int ErrorCount() const { return m_errorCount; }
 
-  // The last warning or error, for saying why a file is missing; "" when there was none.
-  const std::string& LastProblem() const { return m_lastProblem; }
+  // All that was logged but the summary, in order.
+  const std::vector<std::string>& Lines() const { return m_lines; }
 
  private:
   Terminal& m_terminal;
   std::function<void(Options&)> m_applyCommandLine;
   int m_errorCount = 0;
-  std::string m_lastProblem;
+  std::vector<std::string> m_lines;
 };
 
 }  // namespace orv::cli
