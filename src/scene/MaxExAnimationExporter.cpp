@@ -17,8 +17,7 @@ namespace {
 
 std::vector<INode*> BonesAmong(std::span<INode* const> nodes) {
   std::vector<INode*> bones;
-  std::copy_if(nodes.begin(), nodes.end(), std::back_inserter(bones),
-               [](INode* node) { return RoleOf(node) == NodeRole::Bone; });
+  std::copy_if(nodes.begin(), nodes.end(), std::back_inserter(bones), IsBone);
   return bones;
 }
 

@@ -118,7 +118,8 @@ bool MaxExGeometryExporter::ExportGeometry(Interface* host, const char* outputFi
   mesh->m_skeleton = scene.skeleton.get();
   ExIndexedMesh indexed;
   if (!BuildIndexedMesh(indexed, *mesh, options, ui)) return false;
-  mesh.reset();
+  mesh.reset();  // the chunks have their own copies of it and of the weights
+  scene.influences.clear();
   return WriteIndexedMesh(indexed, outputFileName, options.m_optimise, options.m_askTxtOverwrite,
                           options.m_forceTxtOverwrite, ui);
 }

@@ -49,7 +49,6 @@ void ReadGenerator(StdUVGen& generator, TexCoordTransform& transform) {
 
 // The diffuse map alone says how its texture repeats and how it lies on the mesh.
 void ReadPlacement(BitmapTex& bitmap, MaterialMap& map, TexCoordTransform& transform) {
-  transform = {};
   map.tileS = map.tileT = false;
   if (StdUVGen* generator = bitmap.GetUVGen()) {
     const int tiling = generator->GetTextureTiling();

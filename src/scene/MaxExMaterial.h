@@ -8,7 +8,8 @@
 namespace orv {
 
 // Fills the record from a standard material as it stands at time 0, and the transform from its
-// diffuse map. Maps that cannot be used are reported and left out. A null material changes nothing.
+// diffuse map, which leaves a new one as it is where it says nothing. Maps that cannot be used are
+// reported and left out. A null material changes nothing.
 void ReadMaterial(GenericMaterial& out, StdMat2* material, TexCoordTransform& transform,
                   const char* meshName, bool flipGreen, ExportUserInterface& ui);
 

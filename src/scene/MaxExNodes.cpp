@@ -14,6 +14,8 @@ std::string_view NameOf(INode* node) {
   return name ? name : "";
 }
 
+bool HasBoneName(INode* node) { return BeginsWithIgnoringCase(NameOf(node), "b."); }
+
 bool IsPointHelper(INode* node) {
   Object* object = node->EvalWorldState(0, TRUE).obj;
   return object && object->ClassID() == Class_ID(POINTHELP_CLASS_ID, 0);
@@ -23,8 +25,10 @@ bool IsPointHelper(INode* node) {
 
 NodeRole RoleOf(INode* node) {
   if (IsPointHelper(node)) return NodeRole::AttachmentPoint;
-  return BeginsWithIgnoringCase(NameOf(node), "b.") ? NodeRole::Bone : NodeRole::MeshSource;
+  return HasBoneName(node) ? NodeRole::Bone : NodeRole::MeshSource;
 }
+
+bool IsBone(INode* node) { return HasBoneName(node) && !IsPointHelper(node); }
 
 bool BindsItsChildren(INode* node) { return NameOf(node).find("r.") != std::string_view::npos; }
 

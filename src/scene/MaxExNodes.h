@@ -12,6 +12,9 @@ namespace orv {
 enum class NodeRole { AttachmentPoint, Bone, MeshSource };
 NodeRole RoleOf(INode* node);
 
+// Whether that is its role; evaluates the node only when its name allows it.
+bool IsBone(INode* node);
+
 // Whether meshes right below the node are bound to it, if it is a bone.
 bool BindsItsChildren(INode* node);
 

@@ -1,0 +1,156 @@
+#include <gtest/gtest.h>
+
+#include "RecordingUserInterface.h"
+#include "SceneBuilders.h"
+#include "scene/MaxExMesh.h"
+
+namespace orv {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+struct Filled {
+  MaxExGenericMesh mesh;
+  std::vector<TexCoordTransform> transforms;
+  RecordingUserInterface ui;
+  FillResult result;
+
+  Filled(Mesh host, Mtl* material, const GenericSkeleton::Node* bone = nullptr)
+      : result(mesh.Fill(host, bone, material, transforms, "crate", Options(), ui)) {}
+};
+
+Lines MaterialNames(const GenericMesh& mesh) {
+  Lines names;
+  for (const GenericMaterial& material : mesh.m_materials) names.push_back(material.name);
+  return names;
+}
+
+TEST(Fill, MeshesThatCannotBeUsedSayWhy) {
+  host::Scene scene;
+  BlendMaterial blend("Blend");
+  Mtl& standard = scene.AddMaterial("Oak");
+  Mtl& multi = scene.AddMultiMaterial("Both", {&standard, &blend});
+  const Mesh noFaces = MeshOf({{0, 0, 0}}, {});
+  const Mesh secondSub = MeshOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2, 1, 1}});
+  const struct {
+    const char* what;
+    Mesh mesh;
+    Mtl* material;
+    FillResult result;
+    Lines log;
+  } cases[] = {
+      {"good", Triangle(), &standard, FillResult::Filled, {}},
+      {"no texture",
+       WithoutTextureVertices(Triangle()),
+       &standard,
+       FillResult::NoTextureMapping,
+       {}},
+      {"neither", WithoutTextureVertices(noFaces), &standard, FillResult::NoFaces, {}},
+      {"other class",
+       Triangle(),
+       &blend,
+       FillResult::NonStandardMaterial,
+       {"error: Ignoring mesh - material other than standard or sub-material used for mesh:crate"
+        ",Material:Blend"}},
+      {"other class below",
+       secondSub,
+       &multi,
+       FillResult::NonStandardSubMaterial,
+       {"error: Ignoring mesh - material other than standard used in sub-material for mesh:crate"
+        ",Material:Both,SubMaterial:Blend"}},
+      {"other class below, unused", Triangle(), &multi, FillResult::Filled, {}},
+  };
+  for (const auto& c : cases) {
+    const Filled filled(c.mesh, c.material);
+    EXPECT_EQ(filled.result, c.result) << c.what;
+    EXPECT_EQ(filled.ui.log, c.log) << c.what;
+  }
+}
+
+TEST(Fill, PointsStayAndTextureRunsDown) {
+  const Filled filled(MeshOf({{1, 2, 3}, {4, 5, 6}, {7, 0.25f, 9}}, {{0, 1, 2}}), nullptr);
+  EXPECT_EQ(filled.mesh.m_positions, (std::vector<Vec3>{{1, 2, 3}, {4, 5, 6}, {7, 0.25f, 9}}));
+  ASSERT_EQ(filled.mesh.m_texCoords.size(), 3u);
+  EXPECT_EQ(filled.mesh.m_texCoords[2].u, 7);
+  EXPECT_EQ(filled.mesh.m_texCoords[2].v, 0.75f);
+}
+
+TEST(Fill, FlatFacesShareOneFaceNormalEach) {
+  const Filled filled(
+      MeshOf({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {0, 0, 2}}, {{0, 1, 2, 0}, {0, 3, 1, 0}}), nullptr);
+  EXPECT_EQ(filled.mesh.m_normals, (std::vector<Vec3>{{0, 0, 1}, {0, 1, 0}}));
+  EXPECT_EQ(FaceRows(filled.mesh), (Lines{"0: 0/0/0 1/0/1 2/0/2", "0: 0/1/0 3/1/3 1/1/1"}));
+}
+
+// Vertex 0 has two normals, for groups 1 and 2 + 4; vertices 1 and 2 have one each.
+TEST(Fill, SmoothingGroupsChooseTheNormal) {
+  const struct {
+    const char* what;
+    DWORD groups;
+    std::string rows;
+    size_t normalCount;
+  } cases[] = {
+      {"the only one with it", 4, "0: 0/1/0 1/2/1 2/3/2", 4},
+      {"the first of both", 3, "0: 0/0/0 1/2/1 2/3/2", 4},
+      {"none has it: only where there are several", 8, "0: 0/4/0 1/2/1 2/3/2", 5},
+      {"flat", 0, "0: 0/4/0 1/4/1 2/4/2", 5},
+  };
+  for (const auto& c : cases) {
+    Mesh mesh = MeshOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2, c.groups}});
+    const uint8_t counts[] = {2, 1, 1};
+    const RNormal normals[] = {{{1, 0, 0}, 1}, {{0, 1, 0}, 6}, {{0, 0, -1}, 1}, {{-1, 0, 0}, 1}};
+    ASSERT_TRUE(mesh.specifyNormals(counts, normals));
+    const Filled filled(std::move(mesh), nullptr);
+    EXPECT_EQ(FaceRows(filled.mesh), Lines{c.rows}) << c.what;
+    ASSERT_EQ(filled.mesh.m_normals.size(), c.normalCount) << c.what;
+    EXPECT_EQ(filled.mesh.m_normals[1], (Vec3{0, 1, 0})) << c.what;
+    EXPECT_EQ(filled.mesh.m_normals[2], (Vec3{0, 0, -1})) << c.what;
+    EXPECT_EQ(filled.mesh.m_normals.back(), c.normalCount == 5 ? (Vec3{0, 0, 1}) : (Vec3{-1, 0, 0}))
+        << c.what;
+  }
+}
+
+TEST(Fill, FaceNumbersChooseSubMaterialsByRemainder) {
+  host::Scene scene;
+  Mtl& multi = scene.AddMultiMaterial(
+      "all", {&scene.AddMaterial("a"), &scene.AddMaterial("b"), nullptr, &scene.AddMaterial("d")});
+  const std::vector<Point3> points = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+  const struct {
+    const char* what;
+    Mtl* material;
+    std::vector<HostFace> faces;
+    Lines names;
+    std::vector<int32_t> perFace;
+  } cases[] = {
+      {"beyond the last", &multi, {{0, 1, 2, 1, 7}, {0, 1, 2, 1, 4}}, {"a", "d"}, {1, 0}},
+      {"missing: a plain record", &multi, {{0, 1, 2, 1, 2}, {0, 1, 2, 1, 1}}, {"b", ""}, {1, 0}},
+      {"standard", &scene.AddMaterial("S"), {{0, 1, 2, 1, 5}}, {"s"}, {0}},
+      {"empty", &scene.AddMultiMaterial("empty", {}), {{0, 1, 2, 1, 5}}, {""}, {0}},
+  };
+  for (const auto& c : cases) {
+    const Filled filled(MeshOf(points, c.faces), c.material);
+    EXPECT_EQ(filled.result, FillResult::Filled) << c.what;
+    EXPECT_EQ(MaterialNames(filled.mesh), c.names) << c.what;
+    EXPECT_EQ(filled.transforms.size(), c.names.size()) << c.what;
+    for (size_t f = 0; f < c.perFace.size(); ++f) {
+      EXPECT_EQ(filled.mesh.m_faces[f].material, c.perFace[f]) << c.what;
+    }
+  }
+}
+
+TEST(Fill, EveryMaterialIsAttachedToTheBone) {
+  host::Scene scene;
+  Mtl& multi =
+      scene.AddMultiMaterial("m", {&scene.AddMaterial("a"), nullptr, &scene.AddMaterial("c")});
+  const ExGenericSkeleton::Node bone("b.arm r.1");
+  const Filled filled(MeshOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
+                             {{0, 1, 2, 1, 0}, {0, 1, 2, 1, 1}, {0, 1, 2, 1, 2}}),
+                      &multi, &bone);
+  ASSERT_EQ(filled.mesh.m_materials.size(), 3u);
+  for (const GenericMaterial& record : filled.mesh.m_materials) {
+    EXPECT_EQ(record.attachmentBone, &bone) << record.name;
+  }
+}
+
+}  // namespace
+}  // namespace orv
