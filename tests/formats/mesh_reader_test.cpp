@@ -302,7 +302,8 @@ TEST(IndexedMeshReader, OtherFilesAreRefused) {
   IndexedMeshFile file;
   ReadProblem problem;
   EXPECT_FALSE(ReadIndexedMeshFile(folder.File("none.im"), file, problem));
-  EXPECT_EQ(problem.Message(), "No such file or directory");
+  EXPECT_EQ(problem.fault, ReadFault::File);
+  EXPECT_NE(problem.Message(), "");
   EXPECT_FALSE(ReadIndexedMeshFile(folder.File(""), file, problem));
   WriteContent(folder.File("a.im"), MeshParts().Bytes());
   EXPECT_TRUE(ReadIndexedMeshFile(folder.File("a.im"), file, problem)) << problem.Message();

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "TemporaryFolder.h"
+#include "platform/Platform.h"
 
 namespace orv {
 namespace {
@@ -51,10 +52,10 @@ TEST_F(ReplacingFileTest, MissingFolderAndFolderAsTargetFailAtOnce) {
   ReplacingFile missing(folder.File("no/a.im"), std::ios::binary);
   EXPECT_TRUE(missing.fail());
   EXPECT_FALSE(missing.Commit());
-  EXPECT_EQ(missing.FailureReason(), "No such file or directory");
+  EXPECT_EQ(missing.FailureReason(), platform::WhyNotWritable(folder.File("no/a.im")));
   ReplacingFile taken(folder.File(""), std::ios::binary);
   EXPECT_FALSE(taken.Commit());
-  EXPECT_EQ(taken.FailureReason(), "Is a directory");
+  EXPECT_NE(taken.FailureReason(), "");
 }
 
 TEST_F(ReplacingFileTest, ReadOnlyTargetStays) {
@@ -63,7 +64,7 @@ TEST_F(ReplacingFileTest, ReadOnlyTargetStays) {
   if (std::ofstream(target, std::ios::app)) GTEST_SKIP() << "this user may write every file";
   ReplacingFile out(target, std::ios::binary);
   EXPECT_FALSE(out.Commit());
-  EXPECT_EQ(out.FailureReason(), "Permission denied");
+  EXPECT_EQ(out.FailureReason(), platform::WhyNotWritable(target));
   EXPECT_EQ(ContentOf(target), "old");
 }
 
@@ -82,7 +83,9 @@ TEST_F(ReplacingFileTest, FullDeviceIsToldWithTheSystemsReason) {
 TEST_F(ReplacingFileTest, LinksAndPermissionsStay) {
   WriteContent(target, "old");
   fs::permissions(target, fs::perms::owner_all);
-  fs::create_symlink("a.im", folder.File("link.im"));
+  std::error_code error;
+  fs::create_symlink("a.im", folder.File("link.im"), error);
+  if (error) GTEST_SKIP() << "no links here";
   ReplacingFile out(folder.File("link.im"), std::ios::binary);
   out << "new";
   EXPECT_TRUE(out.Commit());
