@@ -220,10 +220,10 @@ TEST(IndexedMeshWriter, StoredBoneTimesParentIsTheWorldAgain) {
 
 class IndexedMeshFileOutput : public testing::Test {
  protected:
-  bool Write(const std::string& fileName) {
+  bool Write(const std::string& fileName, std::vector<MaterialMap> maps = {}) {
     ExIndexedMesh mesh;
     mesh.chunks.push_back(TriangleChunk());
-    mesh.chunks[0].material.maps = {{.channel = kBump, .fileName = "stone.tga"}};
+    mesh.chunks[0].material.maps = std::move(maps);
     bool ask = false, force = false;
     return WriteIndexedMeshFile(
         mesh, fileName, {.optimise = false, .askOverwrite = ask, .forceOverwrite = force}, ui);
@@ -234,7 +234,7 @@ class IndexedMeshFileOutput : public testing::Test {
 
 TEST_F(IndexedMeshFileOutput, StandsWithItsSideFilesInOneFolder) {
   WriteContent(folder.File("a.im"), "old");
-  ASSERT_TRUE(Write(folder.File("a.im")));
+  ASSERT_TRUE(Write(folder.File("a.im"), {{.channel = kBump, .fileName = "stone.tga"}}));
   const auto file = independent::ParseMesh(ContentOf(folder.File("a.im")));
   EXPECT_EQ(file.chunks.at(0).maps.at(0).name, folder.File("stone.texture"));
   EXPECT_TRUE(std::filesystem::exists(folder.File("stone.texture.txt")));
