@@ -27,6 +27,11 @@ bool IsInvented(const aiScene& source, const aiMesh& mesh) {
   return std::string_view(name.C_Str()) == "SkeletonMaterial";
 }
 
+bool HasTriangles(const aiMesh& mesh) {
+  return std::ranges::any_of(std::span(mesh.mFaces, mesh.mNumFaces),
+                             [](const aiFace& face) { return face.mNumIndices == 3; });
+}
+
 // For each vertex of one of the importer's meshes, who moves it; the weights sum up to 1.
 class VertexWeights {
  public:
@@ -129,6 +134,7 @@ class MeshImport {
   void Take(const MeshUse& use, std::vector<unsigned>& pending) {
     size_t vertexCount = 0, triangleCount = 0;
     for (const unsigned mesh : use.meshes) {
+      if (!HasTriangles(*m_source.mMeshes[mesh])) continue;
       vertexCount += m_source.mMeshes[mesh]->mNumVertices;
       triangleCount += m_source.mMeshes[mesh]->mNumFaces;
     }
@@ -182,7 +188,7 @@ class MeshImport {
 
   void TakePart(const aiMesh& part, const std::string& nodeName, MeshAssembler& assembler,
                 std::vector<SkinBone>& bones) {
-    if (!part.mVertices) return;
+    if (!part.mVertices || !HasTriangles(part)) return;
     const VertexWeights weights(
         part, [&](const aiBone& bone) { return BoneNumber(bone, nodeName, bones); });
     const aiVector3D* texCoords = part.mTextureCoords[TexCoordChannel(part)];

@@ -148,7 +148,9 @@ SourceTree FlattenTree(const aiScene& source) {
     tree.nodes.back().isPivot = parent >= 0 && name.find(kPivotMark) != std::string::npos;
     tree.byName.emplace(name, index);
     for (unsigned child = node->mNumChildren; child-- > 0;) {
-      waiting.emplace_back(node->mChildren[child], static_cast<int>(index));
+      // The importer leaves some empty where it skipped a part of the file.
+      const aiNode* below = node->mChildren[child];
+      if (below) waiting.emplace_back(below, static_cast<int>(index));
     }
   }
   for (unsigned m = 0; m < source.mNumMeshes; ++m) {

@@ -13,15 +13,12 @@ namespace {
 
 constexpr uint32_t kEmpty = kNoFan;
 
-uint32_t Mix(uint32_t hash, uint32_t value) {
-  hash = (hash ^ value) * 0x9E3779B1u;
-  return hash ^ (hash >> 15);
-}
-
-uint32_t HashBits(const Point3& p, uint32_t seed) {
+size_t HashBits(const Point3& p, uint32_t seed) {
   uint32_t bits[3];
   std::memcpy(bits, &p, sizeof bits);
-  return Mix(Mix(Mix(seed, bits[0]), bits[1]), bits[2]);
+  uint64_t hash = (uint64_t{bits[0]} << 32 | bits[1]) * 0x9E3779B97F4A7C15u;
+  hash = (hash ^ (hash >> 29) ^ (uint64_t{bits[2]} << 32 | seed)) * 0xBF58476D1CE4E5B9u;
+  return static_cast<size_t>(hash ^ (hash >> 32));
 }
 
 bool SameBits(const Point3& a, const Point3& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
@@ -33,7 +30,7 @@ std::vector<uint32_t> MakeTable(size_t entries) {
 
 // The slot of the entry that `matches`, or the empty one where it belongs.
 template <typename Matches>
-uint32_t& FindSlot(std::vector<uint32_t>& table, uint32_t hash, Matches matches) {
+uint32_t& FindSlot(std::vector<uint32_t>& table, size_t hash, Matches matches) {
   const size_t mask = table.size() - 1;
   size_t i = hash & mask;
   while (table[i] != kEmpty && !matches(table[i])) i = (i + 1) & mask;
@@ -94,7 +91,7 @@ void MeshAssembler::AddWeights(std::span<const BoneWeight> weights) {
 }
 
 uint32_t MeshAssembler::FindOrAddFan(uint32_t position, const Point3& normal) {
-  uint32_t& slot = FindSlot(m_fanTable, HashBits(normal, Mix(1, position)), [&](uint32_t fan) {
+  uint32_t& slot = FindSlot(m_fanTable, HashBits(normal, position), [&](uint32_t fan) {
     return m_fanPosition[fan] == position && SameBits(m_fanNormals[fan], normal);
   });
   if (slot == kEmpty) {

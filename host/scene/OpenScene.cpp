@@ -3,9 +3,13 @@
 #include <assimp/config.h>
 #include <assimp/postprocess.h>
 
+#include <algorithm>
 #include <assimp/Importer.hpp>
+#include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <new>
+#include <span>
 #include <utility>
 
 #include "host/scene/ImportContext.h"
@@ -14,14 +18,32 @@
 #include "host/scene/ImportMotion.h"
 #include "host/scene/ImportNodes.h"
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace orv::host {
 namespace {
 
-bool HasPolygons(const aiScene& source) {
-  for (unsigned i = 0; i < source.mNumMeshes; ++i) {
-    if (source.mMeshes[i]->mPrimitiveTypes & aiPrimitiveType_POLYGON) return true;
+// Makes polygons fit for the importer's triangulation, which trusts them: those that name vertices
+// that are not there go, and a mesh says that it has polygons only when it has. Answers whether
+// any are left.
+bool PreparePolygons(const aiScene& source) {
+  bool any = false;
+  for (aiMesh* mesh : std::span(source.mMeshes, source.mNumMeshes)) {
+    if ((mesh->mPrimitiveTypes & aiPrimitiveType_POLYGON) == 0) continue;
+    bool hasPolygons = false;
+    for (aiFace& face : std::span(mesh->mFaces, mesh->mNumFaces)) {
+      const std::span corners(face.mIndices, face.mNumIndices);
+      const bool fits =
+          std::ranges::all_of(corners, [&](unsigned v) { return v < mesh->mNumVertices; });
+      if (!fits) face = aiFace();
+      hasPolygons = hasPolygons || face.mNumIndices > 3;
+    }
+    if (!hasPolygons) mesh->mPrimitiveTypes &= ~unsigned{aiPrimitiveType_POLYGON};
+    any = any || hasPolygons;
   }
-  return false;
+  return any;
 }
 
 // As few of the importer's steps as can be: the host merges positions itself, and materials that
@@ -36,7 +58,7 @@ std::unique_ptr<aiScene> ReadSource(const std::string& path) {
   std::string reason;
   try {
     source = importer.ReadFile(path, 0);
-    if (source && HasPolygons(*source))
+    if (source && PreparePolygons(*source))
       source = importer.ApplyPostProcessing(aiProcess_Triangulate);
     reason = importer.GetErrorString();
   } catch (const std::exception& exception) {
@@ -49,10 +71,15 @@ std::unique_ptr<aiScene> ReadSource(const std::string& path) {
   return std::unique_ptr<aiScene>(importer.GetOrphanedScene());
 }
 
-}  // namespace
+// The importer keeps each face in an allocation of its own, and glibc would keep that memory.
+void GiveMemoryBack() {
+#ifdef __GLIBC__
+  malloc_trim(0);
+#endif
+}
 
-std::unique_ptr<Scene> OpenScene(const std::string& path, const SceneSettings& settings) {
-  const std::unique_ptr<aiScene> source = ReadSource(path);
+std::unique_ptr<Scene> ImportScene(const std::string& path, const SceneSettings& settings) {
+  std::unique_ptr<aiScene> source = ReadSource(path);
   auto scene = std::make_unique<Scene>();
   const FileFacts facts = ReadFileFacts(*source);
   const bool yUp = settings.upAxis.empty() ? !facts.zUp : settings.upAxis == "y";
@@ -71,7 +98,19 @@ std::unique_ptr<Scene> OpenScene(const std::string& path, const SceneSettings& s
   MaterialImport materials(context);
   ImportMeshes(context, tree, materials);
   MakePointHelpers(context, tree);
+  source.reset();
+  GiveMemoryBack();
   return scene;
+}
+
+}  // namespace
+
+std::unique_ptr<Scene> OpenScene(const std::string& path, const SceneSettings& settings) {
+  try {
+    return ImportScene(path, settings);
+  } catch (const std::bad_alloc&) {
+    throw SceneError(path + ": does not fit into memory");
+  }
 }
 
 }  // namespace orv::host
