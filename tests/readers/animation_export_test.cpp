@@ -56,12 +56,5 @@ TEST_F(AnimationExport, FilesThatCannotBeWrittenAreAnError) {
   EXPECT_EQ(ui.log[0], "error: Geometry Exporter reported error code '16'");
 }
 
-TEST_F(AnimationExport, MissingEventFileGivesNoEvents) {
-  scene.AddNode("b.root");
-  options.m_eventFileName = folder.File("none.evt").c_str();
-  EXPECT_TRUE(ExportAnimation(0, 0).events.empty());
-  EXPECT_EQ(ui.log, Lines());
-}
-
 }  // namespace
 }  // namespace orv

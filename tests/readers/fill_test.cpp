@@ -67,14 +67,6 @@ TEST(Fill, MeshesThatCannotBeUsedSayWhy) {
   }
 }
 
-TEST(Fill, PointsStayAndTextureRunsDown) {
-  const Filled filled(MeshOf({{1, 2, 3}, {4, 5, 6}, {7, 0.25f, 9}}, {{0, 1, 2}}), nullptr);
-  EXPECT_EQ(filled.mesh.m_positions, (std::vector<Vec3>{{1, 2, 3}, {4, 5, 6}, {7, 0.25f, 9}}));
-  ASSERT_EQ(filled.mesh.m_texCoords.size(), 3u);
-  EXPECT_EQ(filled.mesh.m_texCoords[2].u, 7);
-  EXPECT_EQ(filled.mesh.m_texCoords[2].v, 0.75f);
-}
-
 TEST(Fill, FlatFacesShareOneFaceNormalEach) {
   const Filled filled(
       MeshOf({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {0, 0, 2}}, {{0, 1, 2, 0}, {0, 3, 1, 0}}), nullptr);
@@ -135,20 +127,6 @@ TEST(Fill, FaceNumbersChooseSubMaterialsByRemainder) {
     for (size_t f = 0; f < c.perFace.size(); ++f) {
       EXPECT_EQ(filled.mesh.m_faces[f].material, c.perFace[f]) << c.what;
     }
-  }
-}
-
-TEST(Fill, EveryMaterialIsAttachedToTheBone) {
-  host::Scene scene;
-  Mtl& multi =
-      scene.AddMultiMaterial("m", {&scene.AddMaterial("a"), nullptr, &scene.AddMaterial("c")});
-  const ExGenericSkeleton::Node bone("b.arm r.1");
-  const Filled filled(MeshOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}},
-                             {{0, 1, 2, 1, 0}, {0, 1, 2, 1, 1}, {0, 1, 2, 1, 2}}),
-                      &multi, &bone);
-  ASSERT_EQ(filled.mesh.m_materials.size(), 3u);
-  for (const GenericMaterial& record : filled.mesh.m_materials) {
-    EXPECT_EQ(record.attachmentBone, &bone) << record.name;
   }
 }
 

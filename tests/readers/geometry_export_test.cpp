@@ -196,15 +196,12 @@ TEST_F(GeometryExport, RigidPartsArriveInTheSpaceOfTheirBone) {
             (std::vector<Floats3>{{0, 0, 2}, {0, 0.5f, 2}, {0.5f, 0, 2}}));
 }
 
-TEST_F(GeometryExport, NormalsOfRigidPartsTurnWithTheirBone) {
+TEST_F(GeometryExport, RigidPartsAreBoundAtTimeZero) {
   host::MemoryNode& bone = scene.AddNode("b.r.");
-  bone.SetTransform(QuarterTurnAt(5, 5, 5));
-  AddMesh("part", &bone).SetTransform(Matrix3({0, 1, 0}, {0, 0, 1}, {1, 0, 0}, {7, 0, 0}));
-  const independent::MeshFile file = ExportGeometry();
-  for (const Floats3& normal : file.chunks.at(0).normals) {
-    EXPECT_NEAR(normal[0], 1, 1e-6);
-    EXPECT_NEAR(normal[1], 0, 1e-6);
-  }
+  bone.SetMotion([](double seconds) { return MovedBy(static_cast<float>(seconds), 0, 0); });
+  AddMesh("part", &bone);
+  ExportAnimation(900, 900);
+  EXPECT_EQ(Positions(ExportGeometry().chunks.at(0)), kTriangle);
 }
 
 // Bound to a bone only when the parent is one, is in the tree and is called so.
@@ -230,6 +227,7 @@ TEST_F(GeometryExport, BonesWithoutWeightsAreInTheInfluenceToo) {
   AddSkinned("skin", *scene.FindNode("B.TWO"));
   const independent::MeshFile file = ExportGeometry();
   EXPECT_EQ(Moved(file), (decltype(Moved(file)){{"B.TWO", kTriangle}, {"b.one", {}}}));
+  EXPECT_EQ(file.influences[0].matches.size(), 1u);  // not added once more
   EXPECT_EQ(file.influences[0].parentName, "b.one");
   EXPECT_EQ(file.influences[1].parentName, "");
 }

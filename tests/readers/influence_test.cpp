@@ -101,10 +101,5 @@ TEST_F(PhysiqueTest, VerticesThatStayDeformableEndTheExport) {
   }
 }
 
-TEST_F(PhysiqueTest, NodesWithoutItHaveNone) {
-  EXPECT_EQ(FindPhysique(&body), nullptr);
-  EXPECT_EQ(FindPhysique(&scene.AddMeshNode("plain", Triangle())), nullptr);
-}
-
 }  // namespace
 }  // namespace orv
