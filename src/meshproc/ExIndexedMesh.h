@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "meshproc/IndexedMesh.h"
+#include "meshproc/MeshLimits.h"
 #include "report/ExportUserInterface.h"
 
 namespace orv {
@@ -11,11 +12,12 @@ namespace orv {
 // just before it is written.
 class ExIndexedMesh : public IndexedMesh {
  public:
-  // One chunk per material, welded, split under the mesh limits (32000 vertices, 32000 indices,
-  // 16 bones), with per-chunk influences when the mesh is skinned. False, with an error logged,
-  // when an index does not fit into 16 bits; the chunks then stand as far as they were built.
-  bool BuildChunks(const GenericMesh& mesh, bool buildNeighbourInfo, bool useDefaultColors,
-                   ExportUserInterface& ui);
+  // One chunk per material, welded, split under the mesh limits, with per-chunk influences when the
+  // mesh is skinned. Takes over the mesh's attachment points and skeleton. False, with an error
+  // logged, when an index does not fit into 16 bits; the chunks then stand as far as they were
+  // built.
+  bool BuildChunks(const GenericMesh& source, bool buildNeighbourInfo, bool useDefaultColors,
+                   ExportUserInterface& ui, const MeshLimits& limits = {});
 
   // Tangents for a ".tbump" material, index order for those and, when optimise is set, for every
   // other; face normals are then computed afresh.
