@@ -1,0 +1,169 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "ExpectConsistent.h"
+#include "meshproc/ExIndexedMesh.h"
+
+namespace orv {
+namespace {
+
+// One chunk whose vertex i lies at (i, i * i, 0) and is moved by the bone with weight i.
+ExIndexedMesh OneChunk(const std::string& material, size_t vertexCount,
+                       std::vector<Triangle> triangles) {
+  ExIndexedMesh mesh;
+  IndexedMesh::Chunk& chunk = mesh.chunks.emplace_back();
+  chunk.material.name = material;
+  chunk.triangles = std::move(triangles);
+  chunk.faceNormals.resize(chunk.triangles.size());
+  auto bone = std::make_unique<GenericBoneInfluence>();
+  for (uint32_t i = 0; i < vertexCount; ++i) {
+    const float x = static_cast<float>(i);
+    chunk.vertices.push_back({x, x * x, 0, x, x * x});
+    chunk.normals.push_back({0, x, 1});
+    bone->m_weights.push_back({i, x, {}});
+  }
+  mesh.influences.push_back(std::make_unique<ExGenericMeshInfluence>());
+  mesh.influences[0]->AddBone(std::move(bone));
+  return mesh;
+}
+
+const std::vector<VertexWeight>& Weights(const ExIndexedMesh& mesh) {
+  return mesh.influences[0]->m_bones[0]->m_weights;
+}
+
+// The x of each corner, triangle by triangle: names the vertices as OneChunk numbered them.
+std::vector<std::vector<float>> Corners(const IndexedMesh::Chunk& chunk) {
+  std::vector<std::vector<float>> corners;
+  for (const Triangle& triangle : chunk.triangles) {
+    auto& row = corners.emplace_back();
+    for (const uint16_t index : triangle) row.push_back(chunk.vertices[index].x);
+  }
+  std::sort(corners.begin(), corners.end());
+  return corners;
+}
+
+TEST(ChunkPreparation, MaterialAndFlagDecideWhatIsDone) {
+  struct Case {
+    std::string material;
+    bool optimise, tangents, newOrder;
+  };
+  const Case cases[] = {{"rock", false, false, false},
+                        {"rock", true, false, true},
+                        {"rock.m.gloss.tbump", false, true, true},
+                        {"rock.tbump.x", true, true, true}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.material);
+    ExIndexedMesh mesh = OneChunk(c.material, 3, {{2, 0, 1}});
+    mesh.PrepareChunk(0, c.optimise);
+    const IndexedMesh::Chunk& chunk = mesh.chunks[0];
+    ExpectConsistent(mesh);
+    EXPECT_EQ(chunk.tangents.size(), c.tangents ? 3u : 0u);
+    EXPECT_EQ(chunk.triangles[0], (c.newOrder ? Triangle{0, 1, 2} : Triangle{2, 0, 1}));
+    EXPECT_EQ(chunk.faceNormals[0], (c.newOrder ? Vec3{0, 0, 1} : Vec3{}));
+  }
+}
+
+TEST(ChunkIndexOrder, EveryArrayFollowsTheVertices) {
+  ExIndexedMesh mesh = OneChunk("a", 6, {{5, 4, 3}, {0, 2, 1}, {3, 2, 5}, {1, 3, 2}});
+  mesh.chunks[0].tangents.resize(6);
+  for (size_t i = 0; i < 6; ++i) mesh.chunks[0].tangents[i].x = static_cast<float>(i);
+  const auto corners = Corners(mesh.chunks[0]);
+  mesh.PrepareChunk(0, true);
+  const IndexedMesh::Chunk& chunk = mesh.chunks[0];
+  ExpectConsistent(mesh);
+  EXPECT_EQ(Corners(chunk), corners);
+  for (size_t i = 0; i < 6; ++i) {
+    EXPECT_EQ(chunk.normals[i].y, chunk.vertices[i].x);
+    EXPECT_EQ(chunk.tangents[i].x, chunk.vertices[i].x);
+    EXPECT_EQ(chunk.vertices[i].v, chunk.vertices[i].y);
+    EXPECT_EQ(chunk.vertices[Weights(mesh)[i].vertex].x, Weights(mesh)[i].weight);
+  }
+  int largest = -1;
+  for (const Triangle& triangle : chunk.triangles) {
+    for (const uint16_t index : triangle) {
+      EXPECT_LE(index, largest + 1);
+      largest = std::max<int>(largest, index);
+    }
+  }
+}
+
+TEST(ChunkIndexOrder, UnreferencedVerticesAreNotMoved) {
+  ExIndexedMesh mesh = OneChunk("a", 5, {{1, 2, 4}});
+  mesh.PrepareChunk(0, true);
+  std::vector<float> xs;
+  for (const IndexedVertex& vertex : mesh.chunks[0].vertices) xs.push_back(vertex.x);
+  EXPECT_EQ(xs, (std::vector<float>{1, 2, 4, 3, 4}));
+  std::vector<uint32_t> moved;
+  for (const VertexWeight& weight : Weights(mesh)) moved.push_back(weight.vertex);
+  EXPECT_EQ(moved, (std::vector<uint32_t>{4, 0, 1, 4, 2}));
+}
+
+TEST(ChunkIndexOrder, ChunksWithDegenerateOrRepeatedTrianglesStay) {
+  const std::vector<Triangle> lists[] = {
+      {{3, 2, 1}, {1, 1, 0}}, {{3, 2, 1}, {3, 2, 1}}, {}, {{3, 2, 1}, {2, 1, 3}}};
+  for (const auto& triangles : lists) {
+    ExIndexedMesh mesh = OneChunk("a", 4, triangles);
+    mesh.PrepareChunk(0, true);
+    const bool rotated = &triangles == &lists[3];  // is no repetition
+    EXPECT_EQ(mesh.chunks[0].triangles == triangles, !rotated);
+    EXPECT_EQ(mesh.chunks[0].vertices[0].x == 0, !rotated);
+    EXPECT_EQ(mesh.chunks[0].faceNormals.size(), triangles.size());
+  }
+}
+
+TEST(ChunkPreparation, FlatTrianglesGetAFaceNormal) {
+  ExIndexedMesh mesh = OneChunk("a", 4, {{0, 1, 2}, {1, 2, 3}});
+  mesh.chunks[0].vertices[3] = mesh.chunks[0].vertices[2];
+  mesh.chunks[0].vertices[0].z = 1;
+  mesh.PrepareChunk(0, true);
+  const auto& normals = mesh.chunks[0].faceNormals;
+  EXPECT_EQ(std::count(normals.begin(), normals.end(), Vec3{0, 0, 1}), 1);
+  for (const Vec3& normal : normals) EXPECT_FLOAT_EQ(Length(normal), 1);
+}
+
+TEST(ChunkTangents, FallbackLiesAcrossTheNormal) {
+  const std::pair<Vec3, Vec3> cases[] = {
+      {{1, 0, 0}, {0, 1, 0}},         // z axis
+      {{0, 1, 0}, {0, 0, 1}},         // x axis
+      {{0, 0, 1}, {1, 0, 0}},         // y axis
+      {{0, 3, 4}, {1, 0, 0}},         // y axis: z is the largest of three
+      {{0, 4, 3}, {0, -0.6f, 0.8f}},  // x axis
+      {{4, 3, 0}, {-0.6f, 0.8f, 0}},  // z axis
+      {{3, 0, 4}, {0.8f, 0, -0.6f}},  // y axis
+  };
+  for (const auto& [normal, tangent] : cases) {
+    SCOPED_TRACE(testing::Message() << normal.x << normal.y << normal.z);
+    ExIndexedMesh mesh = OneChunk("a.tbump", 3, {{0, 1, 2}});
+    for (IndexedVertex& vertex : mesh.chunks[0].vertices) vertex.u = vertex.v = 0;
+    mesh.chunks[0].normals.assign(3, normal);
+    mesh.PrepareChunk(0, true);
+    for (const Vec3& actual : mesh.chunks[0].tangents) {
+      EXPECT_FLOAT_EQ(actual.x, tangent.x);
+      EXPECT_FLOAT_EQ(actual.y, tangent.y);
+      EXPECT_FLOAT_EQ(actual.z, tangent.z);
+    }
+  }
+}
+
+// Two triangles on one edge whose texture is mirrored there: the edge's vertices are doubled.
+TEST(ChunkTangents, LastCopyKeepsTheWeights) {
+  ExIndexedMesh mesh = OneChunk("a.tbump", 4, {{0, 2, 1}, {0, 1, 3}});
+  mesh.chunks[0].vertices = {{0, 0, 0, 0, 0}, {0, 1, 0, 0, 1}, {1, 0, 0, 1, 0}, {-1, 0, 0, 1, 0}};
+  mesh.chunks[0].normals.assign(4, {0, 0, 1});
+  mesh.PrepareChunk(0, true);
+  ExpectConsistent(mesh);
+  const IndexedMesh::Chunk& chunk = mesh.chunks[0];
+  ASSERT_EQ(chunk.vertices.size(), 6u);
+  ASSERT_EQ(Weights(mesh).size(), 4u);
+  for (uint32_t i = 0; i < 2; ++i) {
+    const uint32_t vertex = Weights(mesh)[i].vertex;
+    EXPECT_EQ(chunk.vertices[vertex].y, static_cast<float>(i));
+    EXPECT_EQ(chunk.vertices[vertex].x, 0);
+    EXPECT_FLOAT_EQ(chunk.tangents[vertex].x, -1);  // the second triangle's
+  }
+}
+
+}  // namespace
+}  // namespace orv
