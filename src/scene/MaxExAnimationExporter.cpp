@@ -1,6 +1,8 @@
 #include "scene/MaxExAnimationExporter.h"
 
 #include <algorithm>
+#include <iterator>
+#include <span>
 #include <string>
 #include <vector>
 

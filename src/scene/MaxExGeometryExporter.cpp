@@ -1,6 +1,7 @@
 #include "scene/MaxExGeometryExporter.h"
 
 #include <memory>
+#include <span>
 #include <utility>
 
 #include "formats/ChunkStream.h"

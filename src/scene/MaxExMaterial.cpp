@@ -1,7 +1,6 @@
 #include "scene/MaxExMaterial.h"
 
 #include <cmath>
-#include <optional>
 #include <string>
 
 #include "iparamb2.h"
