@@ -25,26 +25,6 @@ std::vector<std::string> SplitPath(std::string_view name) {
   return parts;
 }
 
-std::string WithoutPercentCodes(const std::string& name) {
-  const auto digit = [](char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
-  };
-  std::string result;
-  for (size_t i = 0; i < name.size(); ++i) {
-    if (name[i] == '%' && i + 2 < name.size() && digit(name[i + 1]) >= 0 &&
-        digit(name[i + 2]) >= 0) {
-      result += static_cast<char>(digit(name[i + 1]) * 16 + digit(name[i + 2]));
-      i += 2;
-    } else {
-      result += name[i];
-    }
-  }
-  return result;
-}
-
 bool SameIgnoringCase(std::string_view a, std::string_view b) {
   const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
   return std::ranges::equal(a, b, [&](char x, char y) { return lower(x) == lower(y); });
@@ -87,6 +67,26 @@ std::optional<std::string> FindIn(const std::string& folder,
 }
 
 }  // namespace
+
+std::string WithoutPercentCodes(const std::string& name) {
+  const auto digit = [](char c) {
+    if (c >= '0' && c <= '9') return c - '0';
+    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+    return -1;
+  };
+  std::string result;
+  for (size_t i = 0; i < name.size(); ++i) {
+    if (name[i] == '%' && i + 2 < name.size() && digit(name[i + 1]) >= 0 &&
+        digit(name[i + 2]) >= 0) {
+      result += static_cast<char>(digit(name[i + 1]) * 16 + digit(name[i + 2]));
+      i += 2;
+    } else {
+      result += name[i];
+    }
+  }
+  return result;
+}
 
 std::optional<std::string> FindBitmapFile(const std::string& name,
                                           std::span<const std::string> folders) {

@@ -13,4 +13,7 @@ namespace orv::host {
 std::optional<std::string> FindBitmapFile(const std::string& name,
                                           std::span<const std::string> folders);
 
+// "my%20wall.png" is "my wall.png".
+std::string WithoutPercentCodes(const std::string& name);
+
 }  // namespace orv::host

@@ -141,12 +141,17 @@ MemoryBitmap* MaterialImport::ReadMap(const aiMaterial& source, aiTextureType ty
   source.Get(AI_MATKEY_TEXTURE(type, 0), reference);
   const aiTexture* embedded = m_textures.Find(reference.C_Str());
   MemoryBitmap& bitmap = m_context.scene.AddBitmap(embedded ? m_textures.Write(*embedded)
-                                                            : std::string(reference.C_Str()));
+                                                            : NameOfFile(reference.C_Str()));
   ReadCoordinates(source, type, bitmap.coordinates);
   int flags = 0;
   source.Get(AI_MATKEY_TEXFLAGS(type, 0), flags);
   if (flags & aiTextureFlags_UseAlpha) bitmap.alphaSource = ALPHA_FILE;
   return &bitmap;
+}
+
+// glTF refers to files by URI; the importer hands it on as it stands.
+std::string MaterialImport::NameOfFile(const std::string& reference) const {
+  return m_context.facts.format.starts_with("glTF") ? WithoutPercentCodes(reference) : reference;
 }
 
 void MaterialImport::ReadCoordinates(const aiMaterial& source, aiTextureType type,

@@ -30,6 +30,7 @@ class MaterialImport {
   Mtl* ReadMaterial(const aiMaterial& source);
   void ReadMaps(const aiMaterial& source, MemoryMaterial& material);
   MemoryBitmap* ReadMap(const aiMaterial& source, aiTextureType type);
+  std::string NameOfFile(const std::string& reference) const;
   void ReadCoordinates(const aiMaterial& source, aiTextureType type, MemoryCoordinates& result);
   bool TakesAlphaFromFile(const aiMaterial& source, const MemoryBitmap& diffuse);
 

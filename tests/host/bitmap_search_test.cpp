@@ -1,0 +1,70 @@
+#include "host/scene/BitmapSearch.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "TemporaryFolder.h"
+
+namespace orv::host {
+namespace {
+
+class BitmapSearch : public testing::Test {
+ protected:
+  void Touch(const std::string& name) {
+    std::filesystem::create_directories(std::filesystem::path(m_folder.File(name)).parent_path());
+    WriteContent(m_folder.File(name), name);
+  }
+  // The file found, as it is named in the test's folder; empty when there is none.
+  std::string Find(const std::string& name) {
+    const std::vector<std::string> folders = {m_folder.File("scene"), m_folder.File("missing"),
+                                              m_folder.File("library")};
+    const auto found = FindBitmapFile(name, folders);
+    return found ? ContentOf(*found) : "";
+  }
+
+  TemporaryFolder m_folder;
+};
+
+TEST_F(BitmapSearch, GoesFromTheSpelledNameToWhatIsLeftOfIt) {
+  for (const char* name : {"scene/maps/wood.png", "scene/wood.png", "scene/Brick.PNG",
+                           "library/wood.png", "library/iron.tga", "library/old/rust.tga",
+                           "scene/my wall.png", "scene/100%25.png", "elsewhere/free.png"}) {
+    Touch(name);
+  }
+  const struct {
+    std::string name, found;
+  } cases[] = {
+      {"wood.png", "scene/wood.png"},
+      {"maps/wood.png", "scene/maps/wood.png"},
+      {"maps\\wood.png", "scene/maps/wood.png"},
+      {"C:\\work\\train\\maps\\wood.png", "scene/maps/wood.png"},
+      {"/home/artist/wood.png", "scene/wood.png"},
+      {"brick.png", "scene/Brick.PNG"},
+      {"MAPS/WOOD.PNG", "scene/maps/wood.png"},
+      {"./iron.tga", "library/iron.tga"},
+      {"D:/Old/RUST.tga", "library/old/rust.tga"},
+      {"../elsewhere/free.png", "elsewhere/free.png"},
+      {"my%20wall.png", "scene/my wall.png"},
+      {"100%25.png", "scene/100%25.png"},
+      {m_folder.File("elsewhere/free.png"), "elsewhere/free.png"},
+      {"free.png", ""},
+      {"maps", ""},
+      {"", ""},
+      {"..", ""},
+  };
+  for (const auto& c : cases) EXPECT_EQ(Find(c.name), c.found) << c.name;
+}
+
+TEST_F(BitmapSearch, PrefersTheExactCase) {
+  Touch("scene/WALL.png");
+  Touch("scene/wall.png");
+  Touch("scene/Wall.png");
+  EXPECT_EQ(Find("wall.png"), "scene/wall.png");
+  EXPECT_EQ(Find("wALL.png"), "scene/WALL.png");
+}
+
+}  // namespace
+}  // namespace orv::host

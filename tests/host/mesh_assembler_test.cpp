@@ -1,0 +1,202 @@
+#include "host/scene/MeshAssembler.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <random>
+#include <vector>
+
+#include "host/HostTesting.h"
+
+namespace orv::host {
+namespace {
+
+// Triangles with vertices of their own, as files without indices have them.
+struct Soup {
+  struct Corner {
+    Point3 position, normal;
+  };
+  std::vector<Corner> corners;  // three per triangle
+
+  void Add(const Corner& a, const Corner& b, const Corner& c) {
+    corners.insert(corners.end(), {a, b, c});
+  }
+  AssembledMesh Assemble() const {
+    MeshAssembler assembler(corners.size(), corners.size() / 3);
+    assembler.BeginPart(0);
+    for (const Corner& c : corners) assembler.AddVertex({c.position, &c.normal});
+    for (uint32_t i = 0; i < corners.size(); i += 3) assembler.AddTriangle(i, i + 1, i + 2);
+    return assembler.Finish();
+  }
+};
+
+void ExpectPositionsAndNormalsOf(const Soup& soup, const Mesh& mesh) {
+  ASSERT_EQ(static_cast<size_t>(mesh.getNumFaces()) * 3, soup.corners.size());
+  for (int i = 0; i < mesh.getNumFaces() * 3; ++i) {
+    const Soup::Corner& corner = soup.corners[static_cast<size_t>(i)];
+    EXPECT_EQ(mesh.verts[mesh.faces[i / 3].v[i % 3]], corner.position) << "corner " << i;
+    EXPECT_EQ(LookUpNormal(mesh, i / 3, i % 3), corner.normal) << "corner " << i;
+  }
+}
+
+// A grid of quads whose corners take one of `normalCount` normals each by chance.
+Soup RandomSeams(unsigned seed, int size, int normalCount) {
+  std::mt19937 random(seed);
+  Soup soup;
+  const auto corner = [&](int x, int y) {
+    const float pick = static_cast<float>(random() % static_cast<unsigned>(normalCount));
+    return Soup::Corner{Point3(static_cast<float>(x), static_cast<float>(y), 0),
+                        Normalize(Point3(pick, 1, 2))};
+  };
+  for (int y = 0; y < size; ++y) {
+    for (int x = 0; x < size; ++x) {
+      soup.Add(corner(x, y), corner(x + 1, y), corner(x + 1, y + 1));
+      soup.Add(corner(x, y), corner(x + 1, y + 1), corner(x, y + 1));
+    }
+  }
+  return soup;
+}
+
+// `sides` triangles around the origin, each with a normal of its own.
+Soup FlatCone(int sides) {
+  Soup soup;
+  const auto rim = [&](int i) {
+    const double angle = 2 * std::numbers::pi * i / sides;
+    return Point3(static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle)), -1);
+  };
+  for (int i = 0; i < sides; ++i) {
+    const Point3 normal = Normalize(rim(i) + rim(i + 1));
+    soup.Add({Point3(), normal}, {rim(i), normal}, {rim((i + 1) % sides), normal});
+  }
+  return soup;
+}
+
+TEST(MeshAssembler, LookUpGivesBackEveryNormal) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    SCOPED_TRACE(seed);
+    const Soup soup = RandomSeams(seed, 12, 2 + static_cast<int>(seed % 4));
+    const AssembledMesh result = soup.Assemble();
+    EXPECT_EQ(result.mesh.getNumVerts(), 13 * 13);
+    EXPECT_EQ(result.flattenedFaces, 0u);
+    ExpectPositionsAndNormalsOf(soup, result.mesh);
+  }
+}
+
+TEST(MeshAssembler, ThirtyTwoNormalsAroundAPositionCanBeToldApart) {
+  const Soup soup = FlatCone(32);
+  const AssembledMesh result = soup.Assemble();
+  EXPECT_EQ(result.flattenedFaces, 0u);
+  ExpectPositionsAndNormalsOf(soup, result.mesh);
+}
+
+TEST(MeshAssembler, FacesBeyondTheGroupsAreFlatAndSpoilNoOther) {
+  const Soup soup = FlatCone(40);
+  const AssembledMesh result = soup.Assemble();
+  EXPECT_EQ(result.flattenedFaces, 8u);
+  size_t flat = 0;
+  for (int face = 0; face < result.mesh.getNumFaces(); ++face) {
+    const Point3& normal = soup.corners[static_cast<size_t>(face) * 3].normal;
+    if (result.mesh.faces[face].getSmGroup() == 0) ++flat;
+    for (int k = 0; k < 3; ++k) {
+      EXPECT_EQ(LookUpNormal(result.mesh, face, k).value_or(normal), normal);
+    }
+  }
+  EXPECT_EQ(flat, 8u);
+}
+
+TEST(MeshAssembler, SmoothMeshesNeedOneGroup) {
+  Soup soup = RandomSeams(1, 5, 1);
+  const AssembledMesh result = soup.Assemble();
+  for (int face = 0; face < result.mesh.getNumFaces(); ++face) {
+    EXPECT_EQ(result.mesh.faces[face].getSmGroup(), 1u);
+  }
+}
+
+// One face can have one normal only at a position where it is twice.
+TEST(MeshAssembler, FaceAtOnePositionTwiceLeavesTheOthersTheirNormals) {
+  const Point3 up(0, 0, 1), side(1, 0, 0), front(0, 1, 0);
+  Soup soup;
+  soup.Add({Point3(0, 0, 0), up}, {Point3(0, 0, 0), side}, {Point3(1, 0, 0), up});
+  soup.Add({Point3(0, 0, 0), side}, {Point3(1, 0, 0), side}, {Point3(0, 1, 0), side});
+  soup.Add({Point3(0, 0, 0), front}, {Point3(1, 0, 0), front}, {Point3(0, 1, 0), front});
+  const AssembledMesh result = soup.Assemble();
+  EXPECT_EQ(LookUpNormal(result.mesh, 0, 0), up);
+  EXPECT_EQ(LookUpNormal(result.mesh, 0, 2), up);
+  for (int k = 0; k < 3; ++k) {
+    EXPECT_EQ(LookUpNormal(result.mesh, 1, k), side);
+    EXPECT_EQ(LookUpNormal(result.mesh, 2, k), front);
+  }
+}
+
+TEST(MeshAssembler, MergesPositionsBitByBit) {
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  const Point3 positions[] = {{1, 2, 3},    {1, 2, 3},   {1, 2, 3.0000002f}, {0, 0, 0},
+                              {-0.f, 0, 0}, {nan, 0, 0}, {nan, 0, 0}};
+  MeshAssembler assembler(7, 1);
+  assembler.BeginPart(0);
+  for (const Point3& position : positions) assembler.AddVertex({position});
+  assembler.AddTriangle(1, 2, 6);
+  const AssembledMesh result = assembler.Finish();
+  ASSERT_EQ(result.mesh.getNumVerts(), 5);
+  const Face& face = result.mesh.faces[0];
+  EXPECT_EQ(face.v[0], 0u);
+  EXPECT_EQ(face.v[1], 1u);
+  EXPECT_EQ(face.v[2], 4u);
+}
+
+TEST(MeshAssembler, SkinnedPositionsMergeOnlyWithTheSameWeights) {
+  const BoneWeight half[] = {{0, 0.5f}, {1, 0.5f}};
+  const BoneWeight whole[] = {{1, 1.0f}};
+  const std::span<const BoneWeight> weights[] = {{}, half, whole, half, {}, whole};
+  MeshAssembler assembler(6, 0);
+  assembler.BeginPart(0);
+  for (const auto& w : weights) assembler.AddVertex({Point3(1, 1, 1), nullptr, nullptr, w});
+  const AssembledMesh result = assembler.Finish();
+  ASSERT_EQ(result.mesh.getNumVerts(), 3);
+  EXPECT_TRUE(result.skin.Of(0).empty());
+  ASSERT_EQ(result.skin.Of(1).size(), 2u);
+  EXPECT_EQ(result.skin.Of(1)[1], half[1]);
+  ASSERT_EQ(result.skin.Of(2).size(), 1u);
+  EXPECT_EQ(result.skin.Of(2)[0], whole[0]);
+}
+
+// Adds a triangle of vertices of its own.
+void AddPart(MeshAssembler& assembler, MtlID material, const Point3* texCoord,
+             const Point3* normal) {
+  assembler.BeginPart(material);
+  for (const Point3& p : {Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0)}) {
+    assembler.AddVertex({p, normal, texCoord});
+  }
+  assembler.AddTriangle(0, 1, 2);
+}
+
+TEST(MeshAssembler, PartsShareFansAndKeepTheirTexCoords) {
+  const Point3 uv1(0.25f, 0.5f, 0), uv2(0.75f, 0.5f, 0), up(0, 0, 1);
+  MeshAssembler assembler(12, 4);
+  AddPart(assembler, 3, nullptr, &up);
+  AddPart(assembler, 0, &uv1, &up);
+  AddPart(assembler, 7, nullptr, nullptr);
+  AddPart(assembler, 1, &uv2, &up);
+  const Mesh mesh = assembler.Finish().mesh;
+
+  EXPECT_EQ(mesh.getNumVerts(), 3);
+  const Point3 expected[] = {Point3(0, 0, 0), uv1, Point3(0, 0, 0), uv2};
+  const MtlID materials[] = {3, 0, 7, 1};
+  for (int face = 0; face < 4; ++face) {
+    EXPECT_EQ(mesh.faces[face].getMatID(), materials[face]);
+    EXPECT_EQ(LookUpNormal(mesh, face, 1).has_value(), face != 2);
+    for (int k = 0; k < 3; ++k) EXPECT_EQ(mesh.tVerts[mesh.tvFace[face].t[k]], expected[face]);
+  }
+  EXPECT_EQ(mesh.tvFace[0].t[0], mesh.tvFace[2].t[2]);
+}
+
+TEST(MeshAssembler, WithoutTexCoordsThereAreNone) {
+  MeshAssembler assembler(3, 1);
+  AddPart(assembler, 0, nullptr, nullptr);
+  EXPECT_EQ(assembler.Finish().mesh.getNumTVerts(), 0);
+}
+
+}  // namespace
+}  // namespace orv::host
