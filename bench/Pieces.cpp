@@ -7,6 +7,7 @@
 #include <assimp/Importer.hpp>
 #include <map>
 #include <random>
+#include <set>
 #include <stdexcept>
 #include <unordered_map>
 
@@ -46,9 +47,17 @@ class Welder {
   std::unordered_map<std::string, uint32_t> m_numbers;
 };
 
+// Triangles that the optimiser leaves out are left out for everybody.
 struct Import {
   Welder welder;
   std::map<uint32_t, Triangles> byMaterial;
+  std::set<std::array<uint32_t, 4>> seen;  // material and corners
+
+  void Add(uint32_t material, const std::array<uint32_t, 3>& t) {
+    const bool isDegenerate = t[0] == t[1] || t[1] == t[2] || t[2] == t[0];
+    if (isDegenerate || !seen.insert({material, t[0], t[1], t[2]}).second) return;
+    byMaterial[material].push_back(t);
+  }
 };
 
 Corner ReadCorner(const aiMesh& mesh, uint32_t vertex, const aiMatrix4x4& toWorld) {
@@ -69,7 +78,7 @@ void ReadNode(const aiScene& scene, const aiNode& node, const aiMatrix4x4& paren
       std::array<uint32_t, 3> triangle;
       for (int c = 0; c < 3; ++c)
         triangle[c] = import.welder.Number(ReadCorner(mesh, face.mIndices[c], toWorld));
-      import.byMaterial[mesh.mMaterialIndex].push_back(triangle);
+      import.Add(mesh.mMaterialIndex, triangle);
     }
   }
   for (uint32_t i = 0; i < node.mNumChildren; ++i)

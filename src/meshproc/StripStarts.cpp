@@ -33,30 +33,40 @@ void StripStarts::Settle() {
     if (m_state.IsOpenLoad(droppedOut)) m_behind.push_back(m_state.VertexOfLoad(droppedOut));
   }
   while (!m_behind.empty() && m_state.LeftAt(m_behind.back()) == 0) m_behind.pop_back();
-  while (m_firstUnfinished < m_byTriangleCount.size() &&
-         m_state.LeftAt(m_byTriangleCount[m_firstUnfinished]) == 0)
-    ++m_firstUnfinished;
 }
 
-std::vector<uint32_t> StripStarts::Candidates(size_t count) const {
-  std::vector<uint32_t> vertices;
+template <typename Take>
+void StripStarts::OfferNear(const Take& take) const {
   const uint32_t end = m_state.NextLoad();
-  for (uint32_t load = end - m_state.CacheSize(); load < end && vertices.size() < count; ++load)
-    if (m_state.IsOpenLoad(load)) vertices.push_back(m_state.VertexOfLoad(load));
+  for (uint32_t load = end - m_state.CacheSize(); load < end; ++load)
+    if (m_state.IsOpenLoad(load) && !take(m_state.VertexOfLoad(load))) return;
   const size_t lately = std::min(m_behind.size(), kLately);
-  for (size_t i = 1; i <= lately && vertices.size() < count; ++i) {
+  for (size_t i = 1; i <= lately; ++i) {
     const uint32_t vertex = m_behind[m_behind.size() - i];
-    if (m_state.LeftAt(vertex) > 0) vertices.push_back(vertex);
+    if (m_state.LeftAt(vertex) > 0 && !take(vertex)) return;
   }
+}
+
+std::vector<uint32_t> StripStarts::Near(size_t count) const {
+  std::vector<uint32_t> vertices;
+  OfferNear([&](uint32_t vertex) {
+    if (vertices.size() == count) return false;
+    vertices.push_back(vertex);
+    return true;
+  });
   return vertices;
 }
 
-uint32_t StripStarts::Next() const {
-  const std::vector<uint32_t> near = Candidates(1);
-  if (!near.empty()) return near.front();
-  for (size_t i = m_firstUnfinished; i < m_byTriangleCount.size(); ++i)
-    if (m_state.LeftAt(m_byTriangleCount[i]) > 0) return m_byTriangleCount[i];
-  return kNoVertex;
+uint32_t StripStarts::Next(uint32_t& finished) const {
+  uint32_t next = kNoVertex;
+  OfferNear([&](uint32_t vertex) {
+    next = vertex;
+    return false;
+  });
+  if (next != kNoVertex) return next;
+  while (finished < m_byTriangleCount.size() && m_state.LeftAt(m_byTriangleCount[finished]) == 0)
+    ++finished;
+  return finished < m_byTriangleCount.size() ? m_byTriangleCount[finished] : kNoVertex;
 }
 
 }  // namespace orv

@@ -17,19 +17,24 @@ class StripStarts {
   // Learns, after what was emitted has been settled, which vertices it left behind unfinished.
   void Settle();
 
-  // The next best vertex: one still cached, oldest first, else one left behind lately, else one
-  // with few triangles. kNoVertex when nothing is left.
-  uint32_t Next() const;
-  // Up to count vertices, the cached ones first, then those left behind lately.
-  std::vector<uint32_t> Candidates(size_t count) const;
+  // Up to count vertices that promise to go on cheaply: those still cached, oldest first, then
+  // those left behind lately.
+  std::vector<uint32_t> Near(size_t count) const;
+  // The first of those; without any, one with few triangles; kNoVertex when nothing is left. The
+  // caller keeps in finished how far the search has come, 0 at first, and takes that back when it
+  // rewinds the state.
+  uint32_t Next(uint32_t& finished) const;
 
  private:
+  // Hands one vertex after the other to take, until that returns false.
+  template <typename Take>
+  void OfferNear(const Take& take) const;
+
   static constexpr size_t kLately = 8;
 
   const StripState& m_state;
   std::vector<uint32_t> m_behind;           // dropped out of the cache unfinished, oldest first
   std::vector<uint32_t> m_byTriangleCount;  // all vertices, few triangles first
-  size_t m_firstUnfinished = 0;             // into m_byTriangleCount
   uint32_t m_settledLoads;
 };
 

@@ -1,6 +1,6 @@
 #include "meshproc/StripState.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace orv {
 
@@ -29,23 +29,6 @@ StripState::StripState(const StripAdjacency& adjacency, uint32_t cacheSize)
   }
 }
 
-inline void StripState::Use(uint32_t vertex) {
-  Vertex& used = m_vertices[vertex];
-  if (!IsCachedLoad(used.load)) {
-    m_reloads += IsOpenLoad(m_loads - m_cacheSize);  // this one drops out
-    m_history[m_loads] = {vertex, used.load};
-    used.load = m_loads++;
-  }
-  --used.left;
-}
-
-void StripState::Emit(uint32_t triangle) {
-  Triangle& emitted = m_triangles[triangle];
-  for (const uint16_t vertex : emitted.corners) Use(vertex);
-  emitted.emitted = true;
-  m_order[m_emitted++] = triangle;
-}
-
 void StripState::Rewind(const Mark& mark) {
   while (m_emitted > mark.emitted) {
     Triangle& triangle = m_triangles[m_order[--m_emitted]];
@@ -70,16 +53,6 @@ void StripState::RemoveUnsettled(uint32_t triangle, uint32_t corner) {
   const StripCorner last = m_unsettled[m_firstUnsettled[vertex] + --m_unsettledCount[vertex]];
   m_unsettled[place] = last;
   m_place[last.triangle][last.corner] = place;
-}
-
-// Looks at few more entries than it collects, however crowded the vertex: only what was emitted
-// since the last Settle is skipped.
-size_t StripState::CollectLeft(uint32_t vertex, std::span<StripCorner> corners) const {
-  const size_t wanted = std::min<size_t>(m_vertices[vertex].left, corners.size());
-  const StripCorner* next = m_unsettled.data() + m_firstUnsettled[vertex];
-  for (size_t count = 0; count < wanted; ++next)
-    if (!m_triangles[next->triangle].emitted) corners[count++] = *next;
-  return wanted;
 }
 
 std::vector<uint32_t> StripState::TakeOrder() {

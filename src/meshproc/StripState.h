@@ -1,8 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
-#include <span>
 #include <vector>
 
 #include "meshproc/StripAdjacency.h"
@@ -35,7 +35,12 @@ class StripState {
 
   StripState(const StripAdjacency& adjacency, uint32_t cacheSize);
 
-  void Emit(uint32_t triangle);
+  void Emit(uint32_t triangle) {
+    Triangle& emitted = m_triangles[triangle];
+    for (const uint16_t vertex : emitted.corners) Use(vertex);
+    emitted.emitted = true;
+    m_order[m_emitted++] = triangle;
+  }
 
   Mark Here() const { return {m_emitted, m_loads, m_reloads}; }
   void Rewind(const Mark& mark);  // not to before the last Settle
@@ -64,8 +69,17 @@ class StripState {
   bool IsLeft(uint32_t triangle) const {
     return triangle != kNoTriangle && !m_triangles[triangle].emitted;
   }
-  // Triangles left at a vertex, as many of them as fit; returns how many.
-  size_t CollectLeft(uint32_t vertex, std::span<StripCorner> corners) const;
+  // Calls use(StripCorner) for the triangles left at a vertex, but for no more than most of them.
+  // Skips little however crowded the vertex: only what was emitted since the last Settle.
+  template <typename Use>
+  void ForEachLeft(uint32_t vertex, uint32_t most, const Use& use) const {
+    const StripCorner* next = m_unsettled.data() + m_firstUnsettled[vertex];
+    for (uint32_t left = std::min(m_vertices[vertex].left, most); left > 0; ++next) {
+      if (m_triangles[next->triangle].emitted) continue;
+      use(*next);
+      --left;
+    }
+  }
 
   std::vector<uint32_t> TakeOrder();
 
@@ -79,7 +93,15 @@ class StripState {
     uint32_t before = 0;  // the vertex's load before this one
   };
 
-  void Use(uint32_t vertex);
+  void Use(uint32_t vertex) {
+    Vertex& used = m_vertices[vertex];
+    if (!IsCachedLoad(used.load)) {
+      m_reloads += IsOpenLoad(m_loads - m_cacheSize);  // this one drops out
+      m_history[m_loads] = {vertex, used.load};
+      used.load = m_loads++;
+    }
+    --used.left;
+  }
   void RemoveUnsettled(uint32_t triangle, uint32_t corner);
 
   uint32_t m_cacheSize;

@@ -1,7 +1,6 @@
 #include "meshproc/StripWalk.h"
 
 #include <algorithm>
-#include <array>
 
 namespace orv {
 namespace {
@@ -16,7 +15,7 @@ constexpr uint32_t Before(uint32_t corner) { return corner == 0 ? 2 : corner - 1
 }  // namespace
 
 StripWalk::StripWalk(StripState& state, const StripStarts& starts)
-    : m_state(state), m_starts(starts), m_row{state.NextLoad(), state.NextLoad(), 1} {}
+    : m_state(state), m_starts(starts), m_row{state.NextLoad(), state.NextLoad(), 1, 0} {}
 
 void StripWalk::Return(const Position& position) {
   m_state.Rewind(position.mark);
@@ -41,7 +40,7 @@ bool StripWalk::Step() {
     m_row.cursor = m_row.end;
     m_row.end = m_state.NextLoad();
   }
-  const uint32_t start = m_starts.Next();
+  const uint32_t start = m_starts.Next(m_row.finished);
   if (start == kNoVertex) return false;
   StartAt(start);
   return true;
@@ -75,33 +74,30 @@ bool StripWalk::Finish(uint32_t vertex, bool mayDecline) {
 // A rim vertex between two triangles counts with the one that it follows; where the windings
 // disagree the count is off by one, which costs nothing but a little quality.
 StripWalk::Fan StripWalk::Examine(uint32_t vertex, uint32_t following) const {
-  std::array<StripCorner, kMostPerStep> corners;
-  const size_t count = m_state.CollectLeft(vertex, corners);
   Fan fan = {kNoTriangle, 0};
   uint32_t bestRank = 0;
-  for (size_t i = 0; i < count; ++i) {
-    const StripState::Triangle& triangle = m_state.At(corners[i].triangle);
-    const uint32_t corner = corners[i].corner;
-    const uint32_t rimAfter = triangle.corners[After(corner)];
-    const uint32_t rimBefore = triangle.corners[Before(corner)];
-    const bool endsAfter = !m_state.IsLeft(triangle.across[corner]);
-    const bool endsBefore = !m_state.IsLeft(triangle.across[Before(corner)]);
+  m_state.ForEachLeft(vertex, kMostPerStep, [&](StripCorner at) {
+    const StripState::Triangle& triangle = m_state.At(at.triangle);
+    const uint32_t rimAfter = triangle.corners[After(at.corner)];
+    const uint32_t rimBefore = triangle.corners[Before(at.corner)];
+    const bool endsAfter = !m_state.IsLeft(triangle.across[at.corner]);
+    const bool endsBefore = !m_state.IsLeft(triangle.across[Before(at.corner)]);
     fan.missing += !m_state.IsCached(rimAfter);
     fan.missing += endsBefore && !m_state.IsCached(rimBefore);
     const uint32_t rank = std::max(EndRank(rimAfter, endsAfter, following),
                                    EndRank(rimBefore, endsBefore, following));
-    if (fan.start == kNoTriangle || rank > bestRank) {
-      fan.start = corners[i].triangle;
+    if (rank > bestRank) {
+      fan.start = at.triangle;
       bestRank = rank;
     }
-  }
+  });
   return fan;
 }
 
 // A chain begins at its end, at the freshest in the cache of several; the end at the following
 // vertex of the row comes last, so that the chain leads there.
-uint32_t StripWalk::EndRank(uint32_t rim, bool isEnd, uint32_t following) const {
-  const uint32_t rank = isEnd ? 1u << 31 : 0;
+inline uint32_t StripWalk::EndRank(uint32_t rim, bool isEnd, uint32_t following) const {
+  const uint32_t rank = isEnd ? 1u << 31 : 1;
   if (rim == following) return rank;
   return rank + (m_state.IsCached(rim) ? m_state.LoadOf(rim) + 2 : 1);
 }

@@ -20,6 +20,7 @@ class StripWalk {
     // How many vertices the next row may have. A vertex whose triangles would load more stays
     // unfinished: that is where the row is cut, and a later one begins.
     uint32_t budget;
+    uint32_t finished;  // how far the search for starts has come
   };
   struct Position {
     StripState::Mark mark;
