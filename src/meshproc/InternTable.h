@@ -6,7 +6,7 @@
 
 namespace orv {
 
-// Asks the processor to fetch memory that is soon needed; the address need not be valid.
+// Asks the processor to fetch memory that is soon needed.
 inline void Prefetch([[maybe_unused]] const void* address) {
 #if defined(__GNUC__)
   __builtin_prefetch(address);

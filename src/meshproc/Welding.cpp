@@ -102,7 +102,7 @@ void CornerWelder::PrefetchLikelyMatch(const Pending& pending) const {
   const FaceCorner& corner = m_distinct[likely].corner;
   Prefetch(&m_mesh.m_positions[corner.position]);
   Prefetch(&m_mesh.m_normals[corner.normal]);
-  Prefetch(m_mesh.m_texCoords.data() + corner.texCoord);
+  if (corner.texCoord < m_mesh.m_texCoords.size()) Prefetch(&m_mesh.m_texCoords[corner.texCoord]);
 }
 
 uint32_t CornerWelder::DistinctNumber(const Pending& pending, uint32_t cornerNumber) {

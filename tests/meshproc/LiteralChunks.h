@@ -154,25 +154,21 @@ inline void LiteralCompare(std::array<uint32_t, 3>& slots, const std::array<Vec3
 }
 
 inline void LiteralNeighbours(std::vector<LiteralChunk>& chunks) {
-  const auto corners = [](const LiteralChunk& chunk, size_t triangle) {
-    std::array<Vec3, 3> points;
-    for (size_t c = 0; c < 3; ++c) {
-      const auto& v = chunk.vertices[chunk.triangles[triangle][c]];
-      points[c] = {v[0], v[1], v[2]};
-    }
-    return points;
-  };
-  for (LiteralChunk& chunk : chunks) {
-    for (size_t t = 0; t < chunk.triangles.size(); ++t) {
-      auto& slots = chunk.neighbours.emplace_back();
-      slots.fill(0xFFFFFFFF);
-      for (size_t other = 0; other < chunks.size(); ++other) {
-        for (size_t u = 0; u < chunks[other].triangles.size(); ++u) {
-          LiteralCompare(slots, corners(chunk, t), corners(chunks[other], u),
-                         static_cast<uint32_t>(other << 16 | u));
-        }
+  std::vector<std::pair<uint32_t, std::array<Vec3, 3>>> triangles;  // number, corners
+  for (size_t i = 0; i < chunks.size(); ++i) {
+    for (size_t j = 0; j < chunks[i].triangles.size(); ++j) {
+      auto& [number, corners] = triangles.emplace_back();
+      number = static_cast<uint32_t>(i << 16 | j);
+      for (size_t c = 0; c < 3; ++c) {
+        const auto& v = chunks[i].vertices[chunks[i].triangles[j][c]];
+        corners[c] = {v[0], v[1], v[2]};
       }
     }
+  }
+  for (const auto& [t, corners] : triangles) {
+    auto& slots = chunks[t >> 16].neighbours.emplace_back();
+    slots.fill(0xFFFFFFFF);
+    for (const auto& [u, others] : triangles) LiteralCompare(slots, corners, others, u);
   }
 }
 
