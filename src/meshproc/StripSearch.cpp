@@ -22,7 +22,7 @@ constexpr uint32_t kUsualOvershoot = 2;   // a sample ends with the fan that rea
 
 // All in reloads; a regular surface costs some 0.07 a triangle.
 constexpr double kGoodEnough = 0.1;  // a triangle: no further samples
-constexpr double kGoodRow = 0.17;    // a triangle: no new starts
+constexpr double kGoodRow = 0.15;    // a triangle: no new starts
 constexpr double kNewStart = 0.5;    // the price of the border that a new start leaves behind
 
 struct Sample {
