@@ -1,20 +1,6 @@
 #include "scene/Vector.h"
 
-#include <cmath>
-
 namespace orv {
-
-float Dot(Vec3 a, Vec3 b) {
-  return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
-Vec3 Cross(Vec3 a, Vec3 b) {
-  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-float Length(Vec3 a) {
-  return std::sqrt(Dot(a, a));
-}
 
 Vec3 operator*(Vec3 v, const Matrix33& m) {
   return m[0] * v.x + m[1] * v.y + m[2] * v.z;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 
 namespace orv {
 
@@ -17,9 +18,12 @@ struct Vec3 {
   bool operator==(const Vec3&) const = default;
 };
 
-float Dot(Vec3 a, Vec3 b);
-Vec3 Cross(Vec3 a, Vec3 b);
-float Length(Vec3 a);
+// Inline: the mesh stages call them for every corner.
+inline float Dot(Vec3 a, Vec3 b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
+inline Vec3 Cross(Vec3 a, Vec3 b) {
+  return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
+}
+inline float Length(Vec3 a) { return std::sqrt(Dot(a, a)); }
 
 using Matrix33 = std::array<Vec3, 3>;  // rows
 
