@@ -8,10 +8,10 @@
 namespace orv::cli {
 
 enum ExitStatus : int {
-  kStatusSuccess = 0,  // every file asked for was written, no error was logged
-  kStatusErrorsLogged = 1,
-  kStatusBadUsage = 2,     // or the scene cannot be read
-  kStatusFileMissing = 3,  // a file that was asked for was not written
+  kStatusSuccess = 0,       // every file asked for was written, no error was logged
+  kStatusErrorsLogged = 1,  // or a check found errors
+  kStatusBadUsage = 2,      // or a file to be read cannot be
+  kStatusFileMissing = 3,   // a file that was asked for was not written
 };
 
 struct ExportArguments {
@@ -28,10 +28,18 @@ struct ExportArguments {
   bool defaultColors = false;
   bool flipGreen = false;
   bool forceTextures = false;
+  bool noCheck = false;
   bool quiet = false;
+};
+
+struct InspectArguments {
+  std::vector<std::string> files;
+  bool json = false;
 };
 
 int RunExportCommand(ExportArguments arguments);
 int RunPluginCommand();
+int RunInfoCommand(const InspectArguments& arguments);
+int RunCheckCommand(const InspectArguments& arguments);
 
 }  // namespace orv::cli

@@ -13,6 +13,7 @@
 #include "Terminal.h"
 #include "TerminalDialogs.h"
 #include "host/scene/MemoryHost.h"
+#include "inspect/CheckFiles.h"
 #include "platform/ExString.h"
 
 namespace orv::cli {
@@ -148,8 +149,18 @@ std::string WhyMissing(const std::string& path, const std::vector<std::string>& 
   return "the export was stopped";
 }
 
+// Reads back what was written, unless that went into a pipe or a device. False, with the errors on
+// standard error, when it is not sound.
+bool IsSound(const std::string& path) {
+  if (!std::filesystem::is_regular_file(path)) return true;
+  const std::vector<std::string> errors = inspect::FindStructureErrors(path);
+  for (const std::string& error : errors) std::cerr << "orv: " << error << '\n';
+  return errors.empty();
+}
+
 // Says what became of each file; the exit status of the run.
-int Conclude(const std::vector<FileWatch>& files, const TerminalDialogs& dialogs, bool quiet) {
+int Conclude(const std::vector<FileWatch>& files, const TerminalDialogs& dialogs,
+             const ExportArguments& arguments) {
   int status = dialogs.ErrorCount() > 0 ? kStatusErrorsLogged : kStatusSuccess;
   for (const FileWatch& file : files) {
     const std::optional<uintmax_t> size = file.SizeWhenWritten();
@@ -157,9 +168,12 @@ int Conclude(const std::vector<FileWatch>& files, const TerminalDialogs& dialogs
       std::cerr << "orv: " << file.Path()
                 << " was not written: " << WhyMissing(file.Path(), dialogs.Lines()) << ".\n";
       status = kStatusFileMissing;
-    } else if (!quiet) {
-      std::cout << file.Path() << " (" << *size << " bytes)\n";
+      continue;
     }
+    if (!arguments.noCheck && !IsSound(file.Path())) {
+      status = std::max<int>(status, kStatusErrorsLogged);
+    }
+    if (!arguments.quiet) std::cout << file.Path() << " (" << *size << " bytes)\n";
   }
   return status;
 }
@@ -181,7 +195,7 @@ int Export(ExportArguments& arguments) {
   if (!arguments.noAnimation) files.emplace_back(stem + ".kin");
   TerminalDialogs dialogs(terminal, [&](Options& options) { ApplyTo(options, arguments); });
   RunPlugin(*scene, stem + ".im", arguments.settingsFolder, terminal, dialogs);
-  return Conclude(files, dialogs, arguments.quiet);
+  return Conclude(files, dialogs, arguments);
 }
 
 }  // namespace

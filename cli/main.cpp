@@ -101,10 +101,20 @@ void AddExportCommand(CLI::App& app, ExportArguments& arguments) {
       .add_option("--settings", arguments.settingsFolder,
                   "Keep the exporter's options file in this folder (default: forget them)")
       ->type_name("DIR");
+  command.add_flag("--no-check", arguments.noCheck, "Do not read back and check what was written");
   command.add_flag("-q,--quiet", arguments.quiet, "Show errors and the summary only");
   command.footer(
-      "Exit status: 0 all written, no errors; 1 written, but the log has errors;\n"
+      "Exit status: 0 all written, no errors; 1 written, but with errors in the log or found by\n"
+      "reading back;\n"
       "2 wrong usage or unreadable scene; 3 a file that was asked for is missing.");
+}
+
+void AddInspectCommand(CLI::App& app, const char* name, const char* description, const char* status,
+                       InspectArguments& arguments) {
+  CLI::App& command = *app.add_subcommand(name, description);
+  command.add_option("FILE", arguments.files, "Model (.im) and animation (.kin) files")->required();
+  command.add_flag("--json", arguments.json, "One JSON document for all files");
+  command.footer(status);
 }
 
 std::vector<std::string> OptionNames(const CLI::App& command) {
@@ -142,6 +152,13 @@ int Run(int argc, char** argv) {
   app.set_version_flag("--version", "orv 1.0.0");
   ExportArguments arguments;
   AddExportCommand(app, arguments);
+  InspectArguments inspectArguments;
+  AddInspectCommand(app, "info", "Show what is in .im and .kin files",
+                    "Exit status: 0; 2 wrong usage, or a file cannot be read.", inspectArguments);
+  AddInspectCommand(app, "check", "Look for mistakes in .im and .kin files",
+                    "Exit status: 0 no errors (warnings perhaps); 1 errors were found; 2 wrong "
+                    "usage, or a file\ncannot be read. docs/inspecting.md lists what is found.",
+                    inspectArguments);
   app.add_subcommand("plugin", "Show what the plug-in library tells a host of itself");
   app.require_subcommand(1);
   for (CLI::App* command : app.get_subcommands({})) command->allow_extras();
@@ -152,7 +169,10 @@ int Run(int argc, char** argv) {
     return app.exit(error) == 0 ? kStatusSuccess : kStatusBadUsage;
   }
   if (!AllUnderstood(app)) return kStatusBadUsage;
-  return app.got_subcommand("export") ? RunExportCommand(std::move(arguments)) : RunPluginCommand();
+  if (app.got_subcommand("export")) return RunExportCommand(std::move(arguments));
+  if (app.got_subcommand("info")) return RunInfoCommand(inspectArguments);
+  if (app.got_subcommand("check")) return RunCheckCommand(inspectArguments);
+  return RunPluginCommand();
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ std::string LineOf(const Finding& finding) {
     line += ", chunk " + std::to_string(place.chunk);
   }
   if (!place.subject.empty()) line += " (" + place.subject + ")";
-  line += ": " + finding.text;
+  line += (line.empty() ? "" : ": ") + finding.text;
   if (finding.count > 1) line += " (" + std::to_string(finding.count) + " such)";
   return Printable(line) + " [" + InfoOf(finding.code).name + "]";
 }
