@@ -40,7 +40,7 @@ uint32_t& FindSlot(std::vector<uint32_t>& table, size_t hash, Matches matches) {
 }  // namespace
 
 MeshAssembler::MeshAssembler(size_t vertexCount, size_t triangleCount)
-    : m_positionTable(MakeTable(vertexCount)), m_fanTable(MakeTable(vertexCount)) {
+    : m_vertexLimit(vertexCount), m_positionTable(MakeTable(vertexCount)) {
   m_mesh.setNumFaces(static_cast<int>(triangleCount));
   m_mesh.setNumTVFaces(static_cast<int>(triangleCount));
   // What stays unused of these is never touched, so it takes no memory.
@@ -49,6 +49,7 @@ MeshAssembler::MeshAssembler(size_t vertexCount, size_t triangleCount)
   m_positions.reserve(vertexCount);
   m_fanNormals.reserve(vertexCount);
   m_fanPosition.reserve(vertexCount);
+  m_firstFan.reserve(vertexCount);
   m_texCoords.reserve(vertexCount);
 }
 
@@ -90,16 +91,24 @@ void MeshAssembler::AddWeights(std::span<const BoneWeight> weights) {
   m_skin.starts.push_back(static_cast<uint32_t>(m_skin.weights.size()));
 }
 
+// Most positions have one fan, which needs no table.
 uint32_t MeshAssembler::FindOrAddFan(uint32_t position, const Point3& normal) {
+  if (m_firstFan.size() <= position) m_firstFan.resize(position + 1, kNoFan);
+  uint32_t& first = m_firstFan[position];
+  if (first == kNoFan) return first = AddFan(position, normal);
+  if (SameBits(m_fanNormals[first], normal)) return first;
+  if (m_fanTable.empty()) m_fanTable = MakeTable(m_vertexLimit);
   uint32_t& slot = FindSlot(m_fanTable, HashBits(normal, position), [&](uint32_t fan) {
     return m_fanPosition[fan] == position && SameBits(m_fanNormals[fan], normal);
   });
-  if (slot == kEmpty) {
-    slot = static_cast<uint32_t>(m_fanNormals.size());
-    m_fanNormals.push_back(normal);
-    m_fanPosition.push_back(position);
-  }
+  if (slot == kEmpty) slot = AddFan(position, normal);
   return slot;
+}
+
+uint32_t MeshAssembler::AddFan(uint32_t position, const Point3& normal) {
+  m_fanNormals.push_back(normal);
+  m_fanPosition.push_back(position);
+  return static_cast<uint32_t>(m_fanNormals.size() - 1);
 }
 
 void MeshAssembler::AddTriangle(uint32_t a, uint32_t b, uint32_t c) {
@@ -116,6 +125,7 @@ void MeshAssembler::AddTriangle(uint32_t a, uint32_t b, uint32_t c) {
 AssembledMesh MeshAssembler::Finish() {
   m_positionTable = {};
   m_fanTable = {};
+  m_firstFan = {};
   m_vertexPosition = {};
   AssembledMesh result;
   result.mesh = std::move(m_mesh);

@@ -70,12 +70,14 @@ class MeshAssembler {
 
   uint32_t FindOrAddPosition(const FileVertex& vertex);
   uint32_t FindOrAddFan(uint32_t position, const Point3& normal);
+  uint32_t AddFan(uint32_t position, const Point3& normal);
   void AddWeights(std::span<const BoneWeight> weights);
   void SetPositions(Mesh& mesh);
   void SetNormals(AssembledMesh& result);
   void SetTexCoords(Mesh& mesh);
 
   Mesh m_mesh;  // its faces and texture faces; until Finish, texture faces hold file vertices
+  size_t m_vertexLimit;
   uint32_t m_faceCount = 0;
   std::vector<Part> m_parts;
   std::vector<uint32_t> m_vertexPosition;  // of each file vertex
@@ -83,10 +85,11 @@ class MeshAssembler {
   std::vector<Point3> m_positions;
   std::vector<Point3> m_fanNormals;
   std::vector<uint32_t> m_fanPosition;
+  std::vector<uint32_t> m_firstFan;  // of each position
   std::vector<UVVert> m_texCoords;
   SkinWeights m_skin;
   std::vector<uint32_t> m_positionTable;  // open addressing, kNoFan where empty
-  std::vector<uint32_t> m_fanTable;
+  std::vector<uint32_t> m_fanTable;       // empty until a position has a second fan
 };
 
 }  // namespace orv::host

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <functional>
 #include <memory>
+#include <numbers>
 #include <string>
 #include <vector>
 
@@ -400,6 +401,28 @@ TEST_F(OpenedScene, PlaysTheWantedAnimation) {
   settings.animation = "run";
   const std::string reason = ReasonFor(m_folder.File("crane.gltf"), settings);
   EXPECT_NE(reason.find("\"walk\", \"idle\""), std::string::npos) << reason;
+}
+
+// The importer makes a chain of nodes of such a node; the animation moves one in its middle.
+TEST_F(OpenedScene, PivotsAreStepsOfOneNodesTransform) {
+  Open(ORV_TEST_DATA "/pivot_animation.fbx");
+  EXPECT_EQ(TreeOf(*m_scene), ">group group>door:mesh door>hook:point ");
+  EXPECT_EQ(m_scene->info.metresPerUnit, 1);
+  EXPECT_EQ(m_scene->info.framesPerSecond, 25);
+  EXPECT_EQ(m_scene->info.lastFrame, 25);
+  const double degree = std::numbers::pi / 180;
+  const double tiltCosine = std::cos(30 * degree), tiltSine = std::sin(30 * degree);
+  for (const int frame : {0, 5, 25}) {
+    SCOPED_TRACE(frame);
+    const double angle = 90 * degree * frame / 25;
+    // The corner (2, 1, 0) turns about (2, 0.5, 0), is tilted about y, moved, scaled and moved.
+    const double x = -0.5 * std::sin(angle), y = 0.5 * std::cos(angle);
+    const Point3 expected(static_cast<float>(1 + 2 * (2 + x * tiltCosine)),
+                          static_cast<float>(2 + 2 * (1 + 0.5 + y)),
+                          static_cast<float>(3 + 2 * (-x * tiltSine)));
+    MemoryNode& door = *m_scene->FindNode("door");
+    ExpectNear(Point3(2, 1, 0) * door.GetNodeTM(frame * m_scene->TicksPerFrame()), expected);
+  }
 }
 
 TEST_F(OpenedScene, UnreadableFilesAreNamedWithTheReason) {
