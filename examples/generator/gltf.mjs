@@ -160,7 +160,7 @@ export class GltfFile {
     return index;
   }
 
-  // joints: [{ name, at }], at being the joint's place when the mesh was bound, without rotation.
+  // joints: [{ name, at }], at being the joint's place when the mesh was bound, unturned.
   skin(nodeName, joints) {
     const inverses = joints.map(({ at: [x, y, z] }) =>
       [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -x, -y, -z, 1]);

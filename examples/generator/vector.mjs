@@ -1,4 +1,5 @@
-// Points and directions are [x, y, z] in metres, y up, +z the front of the vehicle.
+// Points and directions are [x, y, z] in metres, y up, +z the front of the vehicle
+// and so +x its left side.
 // Rotations are unit quaternions [x, y, z, w].
 
 export const add = (a, b) => a.map((value, i) => value + b[i]);

@@ -1,5 +1,5 @@
 // The car body: a shell lofted over the plan's outline, with holes for windows and doors. It is the
-// same from both ends, so half of it is modelled, from the middle of the front along the right side
+// same from both ends, so half of it is modelled, from the middle of the front along the left side
 // (+x) to the middle of the rear, and turned.
 import { bothEnds, boxAt, boxMapped, polygon, reversed } from '../shapes.mjs';
 import * as v from '../vector.mjs';
@@ -14,8 +14,8 @@ const passengerWindows = Array.from({ length: 6 }, (_, i) => 4.05 - 1.39 * i)
 const side = [[1.35, 6.14, 'window'], [1.35, 5.44], [1.35, 5.27, 'door'], [1.35, 4.23],
               ...passengerWindows, [1.35, -4.23, 'door'], [1.35, -5.27],
               [1.35, -5.44, 'window'], [1.35, -6.14]];
-const rearNose = [[0, -7.3], [0.05, -7.3], [0.6, -7.3, 'window'], [0.68, -7.275],
-                  [1.12, -6.98, 'window'], [1.245, -6.82], [1.32, -6.6], [1.35, -6.34]].toReversed();
+const rearNose = [[1.35, -6.34], [1.32, -6.6], [1.245, -6.82], [1.12, -6.98, 'window'],
+                  [0.68, -7.275], [0.6, -7.3, 'window'], [0.05, -7.3], [0, -7.3]];
 const columns = [...nose, ...side, ...rearNose].map(([x, z, opening]) => ({ x, z, opening }));
 columns.reduce((along, column, i) => {
   const last = columns[Math.max(0, i - 1)];
@@ -38,7 +38,7 @@ const windowBottom = 1.98;
 const cornice = 3;
 
 // A row is { y, wide, deep }: the outline's scale across, and along at the noses.
-const wallRow = (y) => ({ y, wide: 1 - (0.025 * (y - sole)) / 2, deep: 1 - (0.1 * (y - sole)) / 2 });
+const wallRow = (y) => ({ y, wide: 1 - 0.0125 * (y - sole), deep: 1 - 0.05 * (y - sole) });
 const wallRows = [{ y: 0.93, wide: 0.955, deep: 0.95 }, { y: 0.965, wide: 0.99, deep: 0.988 },
                   wallRow(sole), wallRow(windowBottom), wallRow(doorTop), wallRow(cornice),
                   { y: 3.015, wide: 1, deep: 0.93 }, { y: 3.045, wide: 1, deep: 0.93 }];
@@ -207,7 +207,7 @@ export const makeInterior = () => [...bothEnds([...interiorHalf(), ...cab()]),
                                    ...plate({ y: floorHeight, wide: 0.955, deep: 0.955 }),
                                    ...reversed(plate({ y: 2.98, wide: 0.93, deep: 0.86 }))];
 
-// The leaf of the right door that is nearer to the front (0) or to the rear (1): { pivot, livery,
+// The leaf of the left door that is nearer to the front (0) or to the rear (1): { pivot, livery,
 // frames, panes, inside }.
 export function makeDoor(which) {
   const from = columns.findIndex(({ opening, z }) => opening === 'door' && (which ? z < 0 : z > 0));

@@ -6,7 +6,7 @@ export const pivotDistance = 4.6;
 export const axleDistance = 1;
 export const wheelRadius = 0.42;
 
-// From the middle of the axle to the right: hub, web, back of the rim, flange, tread, face.
+// From the middle of the axle outwards: hub, web, back of the rim, flange, tread, face.
 const wheelProfile = [
   [0, 0.075], [0.64, 0.075], [0.64, 0.13], [0.72, 0.3], [0.685, 0.34], [0.68, 0.432],
   [0.688, 0.449], [0.702, 0.447], [0.716, wheelRadius + 0.003], [0.81, wheelRadius - 0.003],
@@ -15,11 +15,11 @@ const wheelProfile = [
 
 // Its texture is a picture of a wheel, seen from the side.
 export function makeWheelset() {
-  const right = wheelProfile;
-  const left = right.toReversed().slice(0, -1).map(([x, radius]) => [-x, radius]);
-  const shape = lathe([...left, ...right], 20);
+  const otherWheel = wheelProfile.toReversed().slice(0, -1).map(([x, radius]) => [-x, radius]);
+  const shape = lathe([...otherWheel, ...wheelProfile], 20);
   const size = 0.92;
-  return shape.map(({ at }) => ({ at, uv: at.map(([, y, z]) => [0.5 + z / size, 0.5 - y / size]) }));
+  const uvOf = ([, y, z]) => [0.5 + z / size, 0.5 - y / size];
+  return shape.map(({ at }) => ({ at, uv: at.map(uvOf) }));
 }
 
 function coilSpring(x, z, bottom, top, radius) {

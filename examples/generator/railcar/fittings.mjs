@@ -1,5 +1,5 @@
-// What is fixed to the body: buffers and couplers, equipment under the floor and on the roof, lamps,
-// handrails, wipers, number plates.
+// What is fixed to the body: buffers and couplers, equipment under the floor and on the roof,
+// lamps, handrails, wipers, number plates.
 import { alongZ, beam, bothEnds, bothSides, boxAt, boxMapped, cylinder, lathe, moved, polygon, tube,
          turned } from '../shapes.mjs';
 import * as v from '../vector.mjs';
@@ -32,11 +32,12 @@ const coupler = () => [
 function plough() {
   const section = (x, z) => [[x, 0.26, z + 0.1], [x, 0.45, z], [x, 0.72, z + 0.02],
                              [x, 0.72, z - 0.02], [x, 0.45, z - 0.04], [x, 0.26, z + 0.06]];
-  return boxMapped([...bothSides(turnRing([section(0, 7.2), section(1.05, 6.85)])),
+  return boxMapped([...bothSides(wedge([section(0, 7.2), section(1.05, 6.85)])),
                     ...bothSides(boxAt([0.6, 0.75, 6.95], [0.08, 0.3, 0.12]))]);
 }
 
-function turnRing(rings) {
+// Between two sections that run clockwise.
+function wedge(rings) {
   const shape = [];
   const count = rings[0].length;
   for (let i = 0; i < count; ++i) {
@@ -97,8 +98,8 @@ export function makeRoofEquipment() {
       ...tube([[-0.4, 3.5, -5.6], [-0.4, 3.95, -5.7]], 0.01, 5),
     ],
     insulators: [0.9, -0.2, -1.2].flatMap((z) => moved(turned(lathe(
-      [[0, 0.06], [0.06, 0.03], [0.1, 0.055], [0.14, 0.03], [0.18, 0.055], [0.24, 0.025], [0.24, 0]],
-      8), v.turnZ(90)), [0.3, 3.6, z])),
+      [[0, 0.06], [0.06, 0.03], [0.1, 0.055], [0.14, 0.03], [0.18, 0.055], [0.24, 0.025],
+       [0.24, 0]], 8), v.turnZ(90)), [0.3, 3.6, z])),
   };
 }
 
@@ -117,8 +118,8 @@ function lens([x, y, z, radius], red) {
 }
 
 const lampCase = ([x, y, z, radius], depth) => moved(alongZ(lathe(
-  [[z - depth, radius * 0.7], [z - depth * 0.6, radius], [z + 0.015, radius], [z + 0.02, radius * 0.9],
-   [z, radius * 0.86]], 14)), [x, y, 0]);
+  [[z - depth, radius * 0.7], [z - depth * 0.6, radius], [z + 0.015, radius],
+   [z + 0.02, radius * 0.9], [z, radius * 0.86]], 14)), [x, y, 0]);
 
 export function makeLamps() {
   const white = [...headlights, topLight];

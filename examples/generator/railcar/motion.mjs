@@ -1,4 +1,4 @@
-// A departure in four seconds: the pantograph rises while the doors on the right open and close
+// A departure in four seconds: the pantograph rises while the doors on the left open and close
 // again, then the railcar starts and runs through a bend. It stays where it is: whoever uses the
 // animation moves the vehicle, by the distance that the wheels have turned.
 import { turnY, turnZ, turnX, compose, smoothstep } from '../vector.mjs';

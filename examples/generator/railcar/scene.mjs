@@ -50,12 +50,12 @@ function doorBones() {
     const { pivot, livery: leaf, frames, panes, inside } = makeDoor(which);
     const mesh = makeMeshAround(pivot, { [livery]: leaf, [chrome]: frames, [glass]: panes,
                                          [interior]: inside });
-    const right = subtract(pivot, bodyPivot);
-    const left = [-right[0], right[1], -right[2]];
-    const names = which === 0 ? ['front right', 'rear left'] : ['rear right', 'front left'];
+    const left = subtract(pivot, bodyPivot);
+    const right = [-left[0], left[1], -left[2]];
+    const names = which === 0 ? ['front left', 'rear right'] : ['rear left', 'front right'];
     return [
-      { name: `b.r.door ${names[0]}`, at: right, children: [{ name: `door ${names[0]}`, mesh }] },
-      { name: `b.r.door ${names[1]}`, at: left, turn: turnY(180),
+      { name: `b.r.door ${names[0]}`, at: left, children: [{ name: `door ${names[0]}`, mesh }] },
+      { name: `b.r.door ${names[1]}`, at: right, turn: turnY(180),
         children: [{ name: `door ${names[1]}`, mesh }] },
     ];
   });
@@ -65,7 +65,8 @@ function wiperBones() {
   const mesh = makeMesh({ [undercarriage]: fittings.makeWiper() });
   const front = subtract(fittings.wiperPivot, bodyPivot);
   return [
-    { name: 'b.r.wiper front', at: front, turn: turnY(0), children: [{ name: 'wiper front', mesh }] },
+    { name: 'b.r.wiper front', at: front, turn: turnY(0),
+      children: [{ name: 'wiper front', mesh }] },
     { name: 'b.r.wiper rear', at: [-front[0], front[1], -front[2]], turn: turnY(180),
       children: [{ name: 'wiper rear', mesh }] },
   ];
@@ -117,13 +118,13 @@ function bodyMeshes() {
   ];
 }
 
-// Couplers, headlights and driver's seats, those of the rear turned by half.
+// Couplers, headlights and driver's eyes, those of the rear turned by half.
 function attachmentPoints() {
   const lights = [...fittings.headlights, fittings.topLight].map(([x, y, z]) => [x, y, z + 0.03]);
   const places = {
     coupler: [0, fittings.bufferHeight, fittings.bufferFace],
-    'headlight right': lights[0],
-    'headlight left': lights[1],
+    'headlight left': lights[0],
+    'headlight right': lights[1],
     'headlight top': lights[2],
     driver: [0.45, floorHeight + 1.15, 6.05],
   };
@@ -156,13 +157,14 @@ export function makeRailcar() {
   const doors = doorBones();
   const wipers = wiperBones();
   const bogies = bogieBones();
-  const axles = bogies.flatMap(({ children }) => children.filter(({ name }) => name.startsWith('b.')));
+  const axles = bogies.flatMap(({ children }) => children)
+    .filter(({ name }) => name.startsWith('b.'));
   const body = {
     name: 'b.r.body', at: bodyPivot,
     children: [...bodyMeshes(), ...doors, ...wipers, pantographBones(), ...attachmentPoints()],
   };
   file.add({ name: 'railcar', children: [{ name: 'b.root', children: [body, ...bogies] }] });
-  const openingDoors = doors.filter(({ name }) => name.endsWith('right'));
+  const openingDoors = doors.filter(({ name }) => name.endsWith('left'));
   file.animation('departure', makeTracks({ body, doors: openingDoors, wipers, bogies, axles }));
   return file;
 }

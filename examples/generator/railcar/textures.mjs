@@ -8,6 +8,7 @@ const red = [0.52, 0.085, 0.075];
 const cream = [0.88, 0.82, 0.67];
 const gold = [0.82, 0.62, 0.24];
 const skirt = [0.13, 0.12, 0.12];
+const gap = [0.1, 0.07, 0.06];
 const rust = [0.3, 0.2, 0.12];
 const dust = [0.42, 0.36, 0.28];
 
@@ -52,8 +53,8 @@ function livery(u, v) {
   colour = blend(colour, gold, band(y, stripe - 0.07, 0.007));
   colour = blend(colour, red, smoothstep(2.985, 2.993, y));
   colour = blend(colour, skirt, smoothstep(1.035, 1.027, y));
-  for (const seam of seams) colour = blend(colour, [0.1, 0.07, 0.06], band(along, seam, 0.006) * 0.5);
-  colour = blend(colour, [0.1, 0.07, 0.06], band(y, 2.94, 0.005) * 0.4);
+  for (const seam of seams) colour = blend(colour, gap, band(along, seam, 0.006) * 0.5);
+  colour = blend(colour, gap, band(y, 2.94, 0.005) * 0.4);
   colour = blend(colour, [0.06, 0.06, 0.06], doorEdge(along, y));
   const grille = insideGrille(along, y);
   if (grille > 0) {
@@ -96,7 +97,8 @@ function roof(u, v) {
   let colour = mix([0.3, 0.31, 0.31], [0.43, 0.43, 0.42], cloud);
   const across = Math.abs(((v * 2) % 1) - 0.5);
   colour = blend(colour, [0.2, 0.2, 0.2], smoothstep(0.49, 0.497, across) * 0.8);
-  return blend(colour, [0.25, 0.18, 0.13], smoothstep(0.6, 0.95, roughness(u * 8, v * 8, 3, 8)) * 0.5);
+  const stain = smoothstep(0.6, 0.95, roughness(u * 8, v * 8, 3, 8));
+  return blend(colour, [0.25, 0.18, 0.13], stain * 0.5);
 }
 
 // Alpha is what the pane hides; the two slanting lights are reflections.
