@@ -2,7 +2,8 @@
 import { GltfFile } from './gltf.mjs';
 import { makePrimitive } from './mesh.mjs';
 import { blend, paint, roughness } from './painting.mjs';
-import { bothSides, boxAt, loft, moved, reversed, tube } from './shapes.mjs';
+import { bothSides, box, boxAt, boxMapped, loft, moved, reversed, tube, turned }
+  from './shapes.mjs';
 import { compose, mix, smoothstep, turnX, turnY, turnZ } from './vector.mjs';
 
 const halfLength = 0.5;
@@ -63,6 +64,9 @@ const frames = () => [-halfLength, halfLength].flatMap((z) => [
   ...bothSides(boxAt([0.64, 2, z], [0.1, 2.2, 0.08], 0.012)),
   ...boxAt([0, 0.94, z], [1.18, 0.1, 0.08], 0.012),
   ...boxAt([0, 3.06, z], [1.18, 0.1, 0.08], 0.012),
+  // The canvas is round at the corners.
+  ...bothSides([[1.02, -45], [2.98, 45]].flatMap(([y, degrees]) => boxMapped(
+    moved(turned(box([0.1, 0.3, 0.07], 0.012), turnZ(degrees)), [0.55, y, z])))),
 ]);
 
 function hoses() {
