@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <fstream>
-#include <string_view>
+#include <string>
 
 #include "host/scene/BitmapSearch.h"
 #include "host/scene/ImageAlpha.h"
@@ -64,6 +64,17 @@ float GetNumber(const aiMaterial& material, const char* key, unsigned type, unsi
   return material.Get(key, type, index, found) == AI_SUCCESS ? found : otherwise;
 }
 
+// "OPAQUE", "MASK" or "BLEND"; empty where the format has no such mode.
+std::string AlphaModeOf(const aiMaterial& material) {
+  aiString mode;
+  return material.Get(AI_MATKEY_GLTF_ALPHAMODE, mode) == AI_SUCCESS ? mode.C_Str() : "";
+}
+
+float MapAmount(const aiMaterial& material, aiTextureType type) {
+  const float scale = GetNumber(material, AI_MATKEY_GLTF_TEXTURE_SCALE(type, 0), 1);
+  return GetNumber(material, AI_MATKEY_TEXBLEND(type, 0), scale);
+}
+
 }  // namespace
 
 MaterialImport::MaterialImport(ImportContext& context)
@@ -115,7 +126,8 @@ Mtl* MaterialImport::ReadMaterial(const aiMaterial& source) {
   material.hasSelfIllumColor = GetColour(source, AI_MATKEY_COLOR_EMISSIVE, material.selfIllumColor);
   const float exponent = GetNumber(source, AI_MATKEY_SHININESS, material.shininess * 100);
   material.shininess = std::clamp(exponent / 100, 0.0f, 1.0f);
-  material.opacity = GetNumber(source, AI_MATKEY_OPACITY, 1);
+  // An opaque material's alpha counts for nothing.
+  if (AlphaModeOf(source) != "OPAQUE") material.opacity = GetNumber(source, AI_MATKEY_OPACITY, 1);
   int twoSided = 0;
   source.Get(AI_MATKEY_TWOSIDED, twoSided);
   material.twoSided = twoSided != 0;
@@ -132,7 +144,7 @@ void MaterialImport::ReadMaps(const aiMaterial& source, MemoryMaterial& material
       bitmap->alphaSource = ALPHA_FILE;
     }
     material.maps[slot] = bitmap;
-    material.amounts[slot] = GetNumber(source, AI_MATKEY_TEXBLEND(from.type, 0), 1);
+    material.amounts[slot] = MapAmount(source, from.type);
   }
 }
 
@@ -175,9 +187,8 @@ void MaterialImport::ReadCoordinates(const aiMaterial& source, aiTextureType typ
 }
 
 bool MaterialImport::TakesAlphaFromFile(const aiMaterial& source, const MemoryBitmap& diffuse) {
-  aiString mode;
-  if (source.Get(AI_MATKEY_GLTF_ALPHAMODE, mode) != AI_SUCCESS) return false;
-  if (std::string_view(mode.C_Str()) == "OPAQUE") return false;
+  const std::string mode = AlphaModeOf(source);
+  if (mode.empty() || mode == "OPAQUE") return false;
   aiString reference;
   source.Get(AI_MATKEY_TEXTURE(DiffuseType(source), 0), reference);
   if (const aiTexture* embedded = m_textures.Find(reference.C_Str())) {

@@ -23,8 +23,6 @@ class MaterialImport {
   unsigned TexCoordChannel(unsigned index) const;
 
  private:
-  struct MapSource;
-
   bool IsStandIn(unsigned index) const;
   Mtl* DefaultMaterial();
   Mtl* ReadMaterial(const aiMaterial& source);

@@ -108,6 +108,9 @@ class MeshImport {
     for (const SourceNode& node : m_tree.nodes) {
       MeshUse use{MeshesOf(*node.source), {node.made}};
       if (use.meshes.empty() || !node.made) continue;
+      if (node.isBone) {
+        Warn("node \"" + node.made->Name() + "\" is a joint and so a bone, its mesh will not show");
+      }
       const bool skinned = std::ranges::any_of(
           use.meshes, [&](unsigned mesh) { return m_source.mMeshes[mesh]->mNumBones > 0; });
       // A skinned mesh is posed in its node's space.

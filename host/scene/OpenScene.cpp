@@ -61,6 +61,8 @@ std::unique_ptr<aiScene> ReadSource(const std::string& path) {
     if (source && PreparePolygons(*source))
       source = importer.ApplyPostProcessing(aiProcess_Triangulate);
     reason = importer.GetErrorString();
+  } catch (const std::bad_alloc&) {
+    throw;
   } catch (const std::exception& exception) {
     source = nullptr;
     reason = exception.what();

@@ -205,7 +205,7 @@ TEST_F(OpenedScene, MaterialsTakeTheirValuesMapsAndTiling) {
   file.materials =
       R"({"name":"Wall","doubleSided":true,"emissiveFactor":[0.5,0.25,0],)"
       R"("pbrMetallicRoughness":{"baseColorFactor":[0.1,0.2,0.3,1],"baseColorTexture":{"index":0},)"
-      R"("metallicRoughnessTexture":{"index":1}},"normalTexture":{"index":2}})";
+      R"("metallicRoughnessTexture":{"index":1}},"normalTexture":{"index":2,"scale":0.5}})";
   file.textures = R"({"source":0,"sampler":0},{"source":1},{"source":2,"sampler":1})";
   file.images = R"({"uri":"maps/wall.png"},{"uri":"rough.png"},{"uri":"bumps.png"})";
   file.samplers = R"({"wrapS":10497,"wrapT":33071},{"wrapS":33071,"wrapT":33648})";
@@ -217,6 +217,8 @@ TEST_F(OpenedScene, MaterialsTakeTheirValuesMapsAndTiling) {
   EXPECT_EQ(wall.GetSelfIllumColor(), Color(0.5f, 0.25f, 0));
   EXPECT_EQ(wall.GetDiffuse(0), Color(0.1f, 0.2f, 0.3f));
   EXPECT_EQ(wall.GetOpacity(0), 1);
+  EXPECT_EQ(wall.GetTexmapAmt(ID_DI, 0), 1);
+  EXPECT_EQ(wall.GetTexmapAmt(ID_BU, 0), 0.5f);
   std::string maps;
   for (int slot = 0; slot < wall.NumSubTexmaps(); ++slot) {
     auto* map = static_cast<BitmapTex*>(wall.GetSubTexmap(slot));
@@ -252,12 +254,15 @@ TEST_F(OpenedScene, AlphaComesFromTheFileWhenTheModeAsksAndTheImageHasSome) {
   for (const auto& c : cases) {
     Gltf file = PartsOf({0});
     file.materials = std::string(R"({"name":"leaf","alphaMode":")") + c.mode +
-                     R"(","pbrMetallicRoughness":{"baseColorTexture":{"index":0}}})";
+                     R"(","pbrMetallicRoughness":{"baseColorFactor":[1,1,1,0.5],)"
+                     R"("baseColorTexture":{"index":0}}})";
     file.textures = R"({"source":0})";
     file.images = std::string(R"({"uri":")") + c.image + "\"}";
     Open(file, "0");
     auto* map = static_cast<BitmapTex*>(MaterialOf("a").GetSubTexmap(ID_DI));
     EXPECT_EQ(map->GetAlphaSource(), c.source) << c.mode << " " << c.image;
+    const bool opaque = std::string(c.mode) == "OPAQUE";
+    EXPECT_EQ(MaterialOf("a").GetOpacity(0), opaque ? 1.0f : 0.5f);
   }
 }
 
@@ -341,19 +346,29 @@ Gltf SkinnedFile(const std::string& joints) {
 
 TEST_F(OpenedScene, JointsAreCalledBonesWhenAsked) {
   const struct {
-    const char *joints, *tree;
+    const char *joints, *roots, *tree;
   } cases[] = {
-      {"1,2,4", ">top top>b.hips b.hips>b.knee b.knee>b.ankle b.ankle>b.toe top>wheel:point "},
-      {"2,4,5", ">b.top b.top>hips hips>b.knee b.knee>b.ankle b.ankle>b.toe b.top>b.wheel "},
-      {"1,2,5", ">b.top b.top>b.hips b.hips>b.knee b.knee>ankle ankle>toe:point b.top>b.wheel "},
+      {"1,2,4", "0",
+       ">top top>b.hips b.hips>b.knee b.knee>b.ankle b.ankle>b.toe top>wheel:point top>body:mesh "},
+      {"2,4,5", "0",
+       ">b.top b.top>hips hips>b.knee b.knee>b.ankle b.ankle>b.toe b.top>b.wheel "
+       "b.top>body:mesh "},
+      {"1,2,5", "0",
+       ">b.top b.top>b.hips b.hips>b.knee b.knee>ankle ankle>toe:point b.top>b.wheel "
+       "b.top>body:mesh "},
+      // The importer's root is what these have in common.
+      {"2,4,5", "1,5,6",
+       ">b.ROOT b.ROOT>hips hips>b.knee b.knee>b.ankle b.ankle>b.toe b.ROOT>b.wheel "
+       "b.ROOT>body:mesh "},
   };
+  SceneSettings settings;
+  settings.jointsAsBones = true;
   for (const auto& c : cases) {
-    SceneSettings settings;
-    settings.jointsAsBones = true;
-    const std::string tree = TreeOf(Open(SkinnedFile(c.joints), "0", settings));
-    EXPECT_EQ(tree.substr(0, std::string(c.tree).size()), c.tree) << tree;
+    EXPECT_EQ(TreeOf(Open(SkinnedFile(c.joints), c.roots, settings)), c.tree);
+    EXPECT_TRUE(m_scene->info.warnings.empty());
   }
-  EXPECT_NE(TreeOf(Open(SkinnedFile("1,2,4"), "0")).find(">hips"), std::string::npos);
+  EXPECT_EQ(Open(SkinnedFile("1,2,6"), "0", settings).info.warnings.size(), 1u) << "a mesh's joint";
+  EXPECT_EQ(Open(SkinnedFile("1,2,4"), "0").FindNode("b.hips"), nullptr);
 }
 
 TEST_F(OpenedScene, SkinsFollowTheirBonesWithWeightsThatSumToOne) {
