@@ -1,0 +1,120 @@
+#pragma once
+
+#include <sys/wait.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <initializer_list>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "IndependentReader.h"
+#include "TemporaryFolder.h"
+
+namespace orv {
+
+inline std::string DataFile(const std::string& name) { return ORV_TEST_DATA "/" + name; }
+
+// One of the importer's own test files, which a package installs.
+inline std::string ModelFile(const std::string& name) { return "/usr/share/assimp/models/" + name; }
+
+// A run of the program.
+struct Outcome {
+  int status = -1;
+  std::string out;
+  std::string err;
+
+  std::vector<std::string> Lines() const {  // of standard error
+    std::vector<std::string> lines;
+    std::istringstream in(err);
+    for (std::string line; std::getline(in, line);) lines.push_back(line);
+    return lines;
+  }
+  bool Says(const std::string& line) const {
+    const std::vector<std::string> lines = Lines();
+    return std::find(lines.begin(), lines.end(), line) != lines.end();
+  }
+  // How many lines of the log begin so.
+  long Count(const std::string& start) const {
+    const std::vector<std::string> lines = Lines();
+    return std::count_if(lines.begin(), lines.end(),
+                         [&](const std::string& line) { return line.starts_with(start); });
+  }
+};
+
+// A folder in which the program runs, with nobody at the keyboard; settings and temporary files
+// stay inside of it, too.
+class Workplace {
+ public:
+  Workplace() {
+    for (const char* name : {"here", "tmp", "home"}) {
+      std::filesystem::create_directories(m_root.File(name));
+    }
+  }
+
+  // Looking for leaks takes a sanitized program five times as long as a small export.
+  Outcome Orv(const std::vector<std::string>& arguments, bool checkLeaks = false) const {
+    std::string command =
+        "cd " + Quoted(Here()) + " && TMPDIR=" + Quoted(m_root.File("tmp")) +
+        " HOME=" + Quoted(m_root.File("home")) + " XDG_CONFIG_HOME=" + Quoted(m_root.File("home")) +
+        " ASAN_OPTIONS=detect_leaks=" + (checkLeaks ? "1" : "0") +
+        " LSAN_OPTIONS=print_suppressions=0:suppressions=" ORV_LEAK_SUPPRESSIONS " " +
+        Quoted(ORV_PROGRAM);
+    for (const std::string& argument : arguments) command += " " + Quoted(argument);
+    command += " </dev/null >" + Quoted(m_root.File("out")) + " 2>" + Quoted(m_root.File("err"));
+    const int result = std::system(command.c_str());
+    return {WIFEXITED(result) ? WEXITSTATUS(result) : -1, ContentOf(m_root.File("out")),
+            ContentOf(m_root.File("err"))};
+  }
+
+  // orv export SCENE -o OUT ...
+  Outcome Export(const std::string& scene, const std::string& output,
+                 const std::vector<std::string>& more = {}) const {
+    std::vector<std::string> arguments = {"export", scene, "-o", output};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return Orv(arguments);
+  }
+
+  std::string Here() const { return m_root.File("here"); }
+  std::string Path(const std::string& name) const { return Here() + "/" + name; }
+  std::string Content(const std::string& name) const { return ContentOf(Path(name)); }
+  independent::MeshFile Mesh(const std::string& name) const {
+    const std::string bytes = Content(name);
+    return independent::ParseMesh(bytes);
+  }
+  independent::AnimationFile Animation(const std::string& name) const {
+    const std::string bytes = Content(name);
+    return independent::ParseAnimation(bytes);
+  }
+
+  // All files in and below one of "here", "tmp", "home", by their paths in there.
+  std::map<std::string, std::string> Files(const std::string& where = "here") const {
+    std::map<std::string, std::string> files;
+    const std::filesystem::path root = m_root.File(where);
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {
+      const bool isFile = entry.is_regular_file();
+      files[entry.path().lexically_relative(root).string() + (isFile ? "" : "/")] =
+          isFile ? ContentOf(entry.path().string()) : "";
+    }
+    return files;
+  }
+  std::set<std::string> Names(const std::string& where = "here") const {
+    std::set<std::string> names;
+    for (const auto& [name, content] : Files(where)) names.insert(name);
+    return names;
+  }
+
+ private:
+  static std::string Quoted(const std::string& text) {
+    std::string quoted = "'";
+    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+  }
+
+  TemporaryFolder m_root;
+};
+
+}  // namespace orv

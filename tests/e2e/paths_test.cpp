@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include "e2e/Orv.h"
+
+namespace orv {
+namespace {
+
+namespace fs = std::filesystem;
+
+using Names = std::set<std::string>;
+
+const std::string kMoving = DataFile("moving.gltf");
+
+struct PathCase {
+  std::string output;
+  std::string stem;  // of the files written, from "here"
+};
+
+class OutputPath : public testing::TestWithParam<PathCase> {};
+
+TEST_P(OutputPath, NamesBothFiles) {
+  const Workplace place;
+  fs::create_directories(place.Path("../a.b"));
+  fs::create_directories(place.Path("folder"));
+  fs::create_directories(place.Path("Größe 日本"));
+  const PathCase& path = GetParam();
+  const Outcome run =
+      path.output.empty() ? place.Orv({"export", kMoving}) : place.Export(kMoving, path.output);
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_GT(place.Mesh(path.stem + ".im").chunks.size(), 0u);
+  EXPECT_GT(place.Animation(path.stem + ".kin").frames.size(), 0u);
+  for (const char* extension : {".im", ".kin"}) {
+    const std::string size = std::to_string(place.Content(path.stem + extension).size());
+    EXPECT_NE(run.out.find(extension + std::string(" (") + size + " bytes)\n"), std::string::npos)
+        << run.out;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, OutputPath,
+                         testing::Values(PathCase{"", "moving"}, PathCase{"x", "x"},
+                                         PathCase{"./x", "x"}, PathCase{"../a.b/x", "../a.b/x"},
+                                         PathCase{"x.im", "x"}, PathCase{"x.KIN", "x"},
+                                         PathCase{"x.y", "x.y"}, PathCase{"x.y.im", "x.y"},
+                                         PathCase{"folder", "folder/moving"},
+                                         PathCase{"folder/", "folder/moving"},
+                                         PathCase{"../a.b", "../a.b/moving"},
+                                         PathCase{"Größe 日本/Übung", "Größe 日本/Übung"}));
+
+TEST(TexturePaths, BareNameCollectsIntoThisFolder) {
+  const Workplace place;
+  const Outcome run =
+      place.Export(DataFile("everything.gltf"), "out", {"--no-animation", "--collect-textures"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(place.Names(),
+            (Names{"out.im", "wall.png", "wall.texture.txt", "glass.png", "glass-glass.texture.txt",
+                   "notile_rivets.png", "notile_rivets.texture.txt", "rivets_n.png",
+                   "rivets_n.texture.txt", "straße.png", "straße.texture.txt"}));
+  EXPECT_EQ(place.Content("straße.png"), ContentOf(DataFile("textures/straße.png")));
+}
+
+// The scene in a folder with accents and a blank, its textures in a folder that only --textures
+// names.
+TEST(TexturePaths, AreSearchedWhereTold) {
+  const Workplace place;
+  fs::create_directories(place.Path("Züge 1/bilder ä"));
+  fs::create_directories(place.Path("out"));
+  fs::copy_file(DataFile("everything.gltf"), place.Path("Züge 1/Höhe ß.gltf"));
+  for (const char* name : {"wall.png", "glass.png", "notile_rivets.png", "straße.png"}) {
+    fs::copy_file(DataFile("textures/" + std::string(name)),
+                  place.Path("Züge 1/bilder ä/" + std::string(name)));
+  }
+  const Outcome run = place.Export("Züge 1/Höhe ß.gltf", "out",
+                                   {"--no-animation", "--collect-textures", "--textures", "nowhere",
+                                    "--textures", "Züge 1/bilder ä"});
+  EXPECT_EQ(run.status, 1);
+  const std::vector<std::string> lines = run.Lines();
+  const auto failed =
+      std::find(lines.begin(), lines.end(),
+                "error: The following 1 file(s) failed to copy or could not be located:");
+  ASSERT_NE(failed, lines.end()) << run.err;
+  EXPECT_EQ(failed[1], "  textures/rivets_n.png");
+  EXPECT_EQ(place.Content("out/straße.png"), ContentOf(DataFile("textures/straße.png")));
+  EXPECT_EQ(place.Mesh("out/Höhe ß.im").chunks[0].maps[0].name, "out/wall.texture");
+}
+
+TEST(SecondExport, GivesTheSameBytesAndAsksNothing) {
+  const Workplace place;
+  const std::vector<std::string> collect = {"--no-animation", "--collect-textures"};
+  const Outcome first = place.Export(DataFile("everything.gltf"), "out", collect);
+  EXPECT_EQ(first.Count("Skipping existing file"), 0);
+  const auto files = place.Files();
+
+  const Outcome second = place.Export(DataFile("everything.gltf"), "out", collect);
+  EXPECT_EQ(second.status, 0) << second.err;
+  EXPECT_TRUE(second.Says("Skipping existing file: './wall.texture.txt'")) << second.err;
+  EXPECT_EQ(second.Count("Skipping existing file"), 5);
+  EXPECT_EQ(second.err.find("Overwrite file?"), std::string::npos);
+  EXPECT_EQ(place.Files(), files);
+
+  WriteContent(place.Path("wall.texture.txt"), "stale");
+  const Outcome third = place.Export(DataFile("everything.gltf"), "out",
+                                     {"--no-animation", "--force-textures", "--collect-textures"});
+  EXPECT_EQ(third.status, 0) << third.err;
+  EXPECT_EQ(third.Count("Overwriting existing file: '"), 5) << third.err;
+  EXPECT_EQ(place.Files(), files);
+}
+
+TEST(Settings, AreKeptOnlyWhereTold) {
+  const Workplace place;
+  EXPECT_EQ(place.Export(kMoving, "out", {"--default-colors"}).status, 0);
+  EXPECT_EQ(place.Names(), (Names{"out.im", "out.kin"}));
+  EXPECT_EQ(place.Names("tmp"), Names());
+  EXPECT_EQ(place.Names("home"), Names());
+
+  EXPECT_EQ(place.Export(kMoving, "out", {"--settings", "kept", "--default-colors"}).status, 0);
+  // The folder stands for the user's application data.
+  EXPECT_TRUE(place.Names().contains("kept/Tamsk/VelmorOrvExporter/OrvExporter.xml"));
+  EXPECT_EQ(place.Mesh("out.im").chunks[0].shininess, 32.0f);
+
+  // What is kept holds for the next run with these settings, and for no other.
+  EXPECT_EQ(place.Export(kMoving, "out", {"--settings", "kept"}).status, 0);
+  EXPECT_EQ(place.Mesh("out.im").chunks[0].shininess, 32.0f);
+  EXPECT_EQ(place.Export(kMoving, "out").status, 0);
+  EXPECT_NE(place.Mesh("out.im").chunks[0].shininess, 32.0f);
+}
+
+}  // namespace
+}  // namespace orv
