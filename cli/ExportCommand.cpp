@@ -110,7 +110,7 @@ void MarkNodes(host::Scene& scene, const ExportArguments& arguments) {
 }
 
 void CheckEventFile(const std::string& path) {
-  if (!path.empty() && !std::ifstream(path).is_open())
+  if (!path.empty() && (std::filesystem::is_directory(path) || !std::ifstream(path).is_open()))
     throw UsageError(path + ": cannot be read as an event file");
 }
 

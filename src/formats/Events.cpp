@@ -4,6 +4,7 @@
 #include <charconv>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string_view>
 
 #include "formats/ChunkStream.h"
@@ -127,7 +128,9 @@ bool ReadEntry(EventText& text, std::vector<AnimationEvent>& events) {
 
 std::optional<int> ReadEvents(std::istream& in, std::vector<AnimationEvent>& events) {
   if (!in.good()) return std::nullopt;
-  const std::string content{std::istreambuf_iterator<char>(in), {}};
+  std::ostringstream copy;
+  copy << in.rdbuf();  // a read that fails, as a folder's does, is just the end
+  const std::string content = copy.str();
   EventText text(content);
   for (text.SkipComments(); !text.AtEnd(); text.SkipComments()) {
     if (!ReadEntry(text, events)) return text.Line();

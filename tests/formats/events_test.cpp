@@ -97,6 +97,7 @@ TEST(Events, FileIsReadAndItsFaultIsWarnedAbout) {
   RecordingUserInterface ui;
   EXPECT_TRUE(ReadEventFile("", ui).empty());
   EXPECT_TRUE(ReadEventFile(folder.File("none.evt"), ui).empty());
+  EXPECT_TRUE(ReadEventFile(folder.File(""), ui).empty());  // opens, but cannot be read
   EXPECT_TRUE(ui.log.empty());
   const std::string path = folder.File("a.evt");
   WriteContent(path, "1 Sage_3D x\noops");
