@@ -76,7 +76,7 @@ void CheckMaterialType(const IndexedMeshFile& file, size_t number, Findings& fin
   }
   const std::string type = material.name.substr(at + 2);
   for (const std::string& word : SplitAtDots(type)) CheckTypeWord(material, word, place, findings);
-  if (at > 0 && IsLetterOrDigit(material.name[at - 1])) {
+  if (at == 0 || IsLetterOrDigit(material.name[at - 1])) {
     findings.push_back(
         {Code::MaterialTypeChosen, place, "the exporter seems to have chosen the type " + type});
   }

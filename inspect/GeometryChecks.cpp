@@ -5,7 +5,6 @@
 #include "inspect/Checks.h"
 #include "inspect/Measures.h"
 #include "inspect/Text.h"
-#include "meshproc/ExIndexedMesh.h"
 
 namespace orv::inspect {
 
@@ -16,71 +15,82 @@ constexpr double kAreaSlack = 1e-6;      // square metres
 constexpr float kSliver = 1e-3f;         // height by longest edge: below, no normal is sure
 constexpr float kMinFaceNormalCosine = 0.9f;
 
-template <typename Record>
-void TallyNonFinite(Tally& tally, const std::vector<Record>& records, const char* what) {
-  for (size_t i = 0; i < records.size(); ++i) {
-    if (IsFinite(records[i])) continue;
-    tally.Add([&] {
-      return std::string("the ") + what + " " + std::to_string(i) + " is not a finite number";
+void CheckVertices(const IndexedMesh::Chunk& chunk, Tally& nonFinite) {
+  for (size_t i = 0; i < chunk.vertices.size(); ++i) {
+    if (IsFinite(chunk.vertices[i])) continue;
+    nonFinite.Add([&] {
+      return "the position or texture coordinate of vertex " + std::to_string(i) +
+             " is not a finite number";
     });
   }
 }
 
-void CheckNumbers(const IndexedMeshFile& file, size_t number, Findings& findings) {
-  const IndexedMesh::Chunk& chunk = file.mesh.chunks[number];
-  Tally tally(findings, Code::NotFinite, PlaceInChunk(file, number, "GEOM"));
-  TallyNonFinite(tally, chunk.vertices, "position or texture coordinate of vertex");
-  TallyNonFinite(tally, chunk.normals, "normal of vertex");
-  TallyNonFinite(tally, chunk.tangents, "tangent of vertex");
-  TallyNonFinite(tally, chunk.faceNormals, "face normal of triangle");
-  if (!std::isfinite(chunk.surfaceArea)) {
-    tally.Add([] { return std::string("the surface area is not a finite number"); });
-  }
-}
-
-void TallyNotUnit(Findings& findings, Code code, const Place& place,
-                  const std::vector<Vec3>& vectors, const char* what) {
-  Tally tally(findings, code, place);
+// what: "normal", for the message.
+void CheckUnitVectors(const std::vector<Vec3>& vectors, const char* what, Tally& nonFinite,
+                      Tally& notUnit) {
+  const auto sentence = [what](size_t vertex) {
+    return std::string("the ") + what + " of vertex " + std::to_string(vertex) + " is ";
+  };
   for (size_t i = 0; i < vectors.size(); ++i) {
-    if (IsUnit(vectors[i]) || !IsFinite(vectors[i])) continue;
-    tally.Add([&] {
-      return std::string("the ") + what + " of vertex " + std::to_string(i) + " is " +
-             Number(Length(vectors[i])) + " long instead of 1";
-    });
+    if (IsUnit(vectors[i])) continue;
+    if (!IsFinite(vectors[i])) {
+      nonFinite.Add([&] { return sentence(i) + "not a finite number"; });
+    } else {
+      notUnit.Add([&] { return sentence(i) + Number(Length(vectors[i])) + " long instead of 1"; });
+    }
   }
 }
 
-// Whether a face normal points where its triangle does. True where that cannot be told.
-bool Agrees(const IndexedMesh::Chunk& chunk, size_t number) {
-  const auto& [a, b, c] = chunk.triangles[number];
-  const Vec3 p0 = chunk.vertices[a].Position();
-  const Vec3 edge1 = chunk.vertices[b].Position() - p0;
-  const Vec3 edge2 = chunk.vertices[c].Position() - p0;
+struct TriangleShape {
+  Vec3 cross;     // upright on the triangle, twice its area long
+  float length;   // of it
+  float longest;  // edge, squared
+};
+
+TriangleShape ShapeOf(const IndexedMesh::Chunk& chunk, const Triangle& triangle) {
+  const Vec3 p0 = chunk.vertices[triangle[0]].Position();
+  const Vec3 edge1 = chunk.vertices[triangle[1]].Position() - p0;
+  const Vec3 edge2 = chunk.vertices[triangle[2]].Position() - p0;
   const Vec3 edge3 = edge2 - edge1;
   const Vec3 cross = Cross(edge1, edge2);
-  const float length = Length(cross);
-  const float longest = std::max({Dot(edge1, edge1), Dot(edge2, edge2), Dot(edge3, edge3)});
-  if (!std::isnormal(length) || !(length > kSliver * longest)) return true;
-  return !(Dot(cross, chunk.faceNormals[number]) < kMinFaceNormalCosine * length);
+  return {cross, Length(cross),
+          std::max({Dot(edge1, edge1), Dot(edge2, edge2), Dot(edge3, edge3)})};
 }
 
-void CheckFaceNormals(const IndexedMeshFile& file, size_t number, Findings& findings) {
-  const IndexedMesh::Chunk& chunk = file.mesh.chunks[number];
-  Tally tally(findings, Code::FaceNormalWrong, PlaceInChunk(file, number, "GEOM"));
-  for (size_t i = 0; i < chunk.triangles.size(); ++i) {
-    const Vec3 normal = chunk.faceNormals[i];
-    if (!IsFinite(normal)) continue;
-    const bool unit = IsUnit(normal);
-    if (unit && Agrees(chunk, i)) continue;
-    tally.Add([&] {
-      return "the face normal of triangle " + std::to_string(i) +
-             (unit ? " does not stand upright on it"
-                   : " is " + Number(Length(normal)) + " long instead of 1");
-    });
+// True also where it cannot be told.
+bool StandsUpright(Vec3 normal, const TriangleShape& shape) {
+  if (!std::isnormal(shape.length) || !(shape.length > kSliver * shape.longest)) return true;
+  return !(Dot(shape.cross, normal) < kMinFaceNormalCosine * shape.length);
+}
+
+void CheckFaceNormal(size_t triangle, Vec3 normal, const TriangleShape& shape, Tally& nonFinite,
+                     Tally& wrong) {
+  const bool unit = IsUnit(normal);
+  if (unit && StandsUpright(normal, shape)) return;
+  const auto sentence = [triangle] {
+    return "the face normal of triangle " + std::to_string(triangle);
+  };
+  if (!IsFinite(normal)) {
+    nonFinite.Add([&] { return sentence() + " is not a finite number"; });
+  } else if (unit) {
+    wrong.Add([&] { return sentence() + " does not stand upright on it"; });
+  } else {
+    wrong.Add([&] { return sentence() + " is " + Number(Length(normal)) + " long instead of 1"; });
   }
 }
 
-void CheckTangents(const IndexedMeshFile& file, size_t number, Findings& findings) {
+// Returns twice the area of all triangles.
+double CheckTriangles(const IndexedMesh::Chunk& chunk, Tally& nonFinite, Tally& wrong) {
+  double doubleArea = 0;
+  for (size_t i = 0; i < chunk.triangles.size(); ++i) {
+    const TriangleShape shape = ShapeOf(chunk, chunk.triangles[i]);
+    doubleArea += double{shape.length};
+    CheckFaceNormal(i, chunk.faceNormals[i], shape, nonFinite, wrong);
+  }
+  return doubleArea;
+}
+
+void CheckTangentsAreWanted(const IndexedMeshFile& file, size_t number, Findings& findings) {
   const IndexedMesh::Chunk& chunk = file.mesh.chunks[number];
   const bool wanted = chunk.material.name.find(".tbump") != std::string::npos;
   const bool possible =
@@ -94,15 +104,12 @@ void CheckTangents(const IndexedMeshFile& file, size_t number, Findings& finding
     findings.push_back({Code::TangentsUnexpected, place,
                         "there are tangents, but the material does not ask for them"});
   }
-  TallyNotUnit(findings, Code::TangentNotUnit, place, chunk.tangents, "tangent");
 }
 
-void CheckArea(const IndexedMeshFile& file, size_t number, Findings& findings) {
-  const double stored = double{file.mesh.chunks[number].surfaceArea};
-  const double area = double{ComputeSurfaceArea(file.mesh.chunks[number])};
+void CheckArea(double stored, double area, const Place& place, Findings& findings) {
   if (!std::isfinite(area) || !std::isfinite(stored)) return;
   if (std::abs(stored - area) <= kAreaTolerance * area + kAreaSlack) return;
-  findings.push_back({Code::AreaMismatch, PlaceInChunk(file, number, "GEOM"),
+  findings.push_back({Code::AreaMismatch, place,
                       "the surface area is given as " + Number(stored) +
                           " m2, that of the triangles is " + Number(area) + " m2"});
 }
@@ -110,10 +117,11 @@ void CheckArea(const IndexedMeshFile& file, size_t number, Findings& findings) {
 void CheckOrder(const IndexedMeshFile& file, size_t number, const VertexUse& use,
                 Findings& findings) {
   const Place place = PlaceInChunk(file, number, "GEOM");
-  if (use.unused > 0) {
-    findings.push_back(
-        {Code::UnusedVertex, place, Counted(use.unused, "vertice") + " belong to no triangle"});
-    if (use.unused == 1) findings.back().text = "1 vertex belongs to no triangle";
+  if (use.unused == 1) {
+    findings.push_back({Code::UnusedVertex, place, "1 vertex belongs to no triangle"});
+  } else if (use.unused > 1) {
+    findings.push_back({Code::UnusedVertex, place,
+                        std::to_string(use.unused) + " vertices belong to no triangle"});
   }
   if (use.inOrderOfFirstUse) return;
   if (const size_t repeated = CountRepeatedTriangles(file.mesh.chunks[number])) {
@@ -145,16 +153,28 @@ void CheckNeighbours(const IndexedMeshFile& file, size_t number, Findings& findi
   }
 }
 
+// Everything that is measured, in one go.
+void CheckNumbers(const IndexedMesh::Chunk& chunk, const Place& place, Findings& findings) {
+  Tally nonFinite(findings, Code::NotFinite, place);
+  Tally normals(findings, Code::NormalNotUnit, place);
+  Tally tangents(findings, Code::TangentNotUnit, place);
+  Tally faceNormals(findings, Code::FaceNormalWrong, place);
+  CheckVertices(chunk, nonFinite);
+  CheckUnitVectors(chunk.normals, "normal", nonFinite, normals);
+  CheckUnitVectors(chunk.tangents, "tangent", nonFinite, tangents);
+  const double doubleArea = CheckTriangles(chunk, nonFinite, faceNormals);
+  CheckArea(double{chunk.surfaceArea}, doubleArea / 2, place, findings);
+  if (!std::isfinite(chunk.surfaceArea)) {
+    nonFinite.Add([] { return std::string("the surface area is not a finite number"); });
+  }
+}
+
 }  // namespace
 
 void CheckGeometry(const IndexedMeshFile& file, size_t number, const VertexUse& use,
                    Findings& findings) {
-  CheckNumbers(file, number, findings);
-  TallyNotUnit(findings, Code::NormalNotUnit, PlaceInChunk(file, number, "GEOM"),
-               file.mesh.chunks[number].normals, "normal");
-  CheckFaceNormals(file, number, findings);
-  CheckTangents(file, number, findings);
-  CheckArea(file, number, findings);
+  CheckNumbers(file.mesh.chunks[number], PlaceInChunk(file, number, "GEOM"), findings);
+  CheckTangentsAreWanted(file, number, findings);
   CheckOrder(file, number, use, findings);
   CheckNeighbours(file, number, findings);
 }

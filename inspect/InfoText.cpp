@@ -162,8 +162,9 @@ void PrintEvents(std::ostream& out, const AnimationFile& file) {
 
 void PrintAnimation(std::ostream& out, const AnimationFile& file) {
   PrintLine(out, "name", Printable(file.name));
-  PrintLine(out, "frames",
-            std::to_string(file.frameCount) + ", " + std::to_string(file.frameRate) + " a second");
+  PrintLine(
+      out, "frames",
+      std::to_string(file.frameCount) + " at " + std::to_string(file.frameRate) + " a second");
   PrintLine(out, "length", Fixed(LengthInSeconds(file), 3) + " seconds");
   PrintLine(out, "scale", Number(file.masterScale) + " metres per unit");
   PrintEvents(out, file);

@@ -1,0 +1,136 @@
+#include "inspect/CheckFiles.h"
+
+#include <algorithm>
+#include <fstream>
+#include <regex>
+
+#include "TemporaryFolder.h"
+#include "inspect/GoodFiles.h"
+#include "inspect/Info.h"
+
+namespace orv::inspect {
+namespace {
+
+std::string SkinBytes() {
+  ExIndexedMesh mesh = GoodSkin();
+  for (IndexedMesh::Chunk& chunk : mesh.chunks) chunk.material.maps.clear();
+  return Written(mesh).bytes;
+}
+
+std::string AnimationWithBone(const std::string& name) {
+  std::string bytes = GoodAnimationBytes();
+  return bytes.replace(bytes.find("b.knee"), 6, name);
+}
+
+// "FILE CODE SUBJECT" of the findings about bones.
+Lines BoneFindings(const std::vector<std::string>& names) {
+  Lines lines;
+  for (const CheckedFile& file : CheckFiles(names)) {
+    for (const Finding& finding : file.findings) {
+      if (finding.code != Code::BoneNotInMesh) continue;
+      lines.push_back(file.name.substr(file.name.find_last_of("/\\") + 1) + " " +
+                      finding.place.subject);
+    }
+  }
+  return lines;
+}
+
+TEST(CheckFiles, MeshIsHeldAgainstItsAnimations) {
+  TemporaryFolder folder;
+  const std::string a = folder.File("a.im"), b = folder.File("b.im");
+  const std::string aKin = folder.File("a.kin"), run = folder.File("run.kin");
+  WriteContent(a, SkinBytes());
+  WriteContent(b, SkinBytes());
+  EXPECT_EQ(BoneFindings({a}), Lines());
+  WriteContent(aKin, AnimationWithBone("b.tail"));
+  WriteContent(run, AnimationWithBone("b.tail"));
+  EXPECT_EQ(BoneFindings({a}), Lines({"a.im a.kin"}));
+  EXPECT_EQ(BoneFindings({a, aKin}), Lines({"a.im a.kin"}));
+  EXPECT_EQ(BoneFindings({b}), Lines());
+  EXPECT_EQ(BoneFindings({b, run, aKin}), Lines({"b.im run.kin", "b.im a.kin"}));
+  EXPECT_EQ(BoneFindings({a, b, run}), Lines({"a.im a.kin"}));
+  EXPECT_EQ(BoneFindings({aKin}), Lines());
+}
+
+TEST(CheckFiles, ReportNamesTheFileAndSumsUp) {
+  TemporaryFolder folder;
+  IndexedMeshFile file;
+  const std::string name = folder.File("a.im");
+  WriteContent(name, SkinBytes() + "more");
+  std::ostringstream out;
+  PrintChecked(out, CheckFiles(std::vector{name})[0]);
+  const auto line = [&](const char* text) { return name + ": " + text + "\n"; };
+  EXPECT_EQ(out.str(),
+            line("error: 4 bytes follow the last chunk [bytes-left-over]") +
+                line("note: QIRF/CHNK 0/MATL (skin m.onetex): the type onetex shows a diffuse map, "
+                     "but the material has none [map-missing]") +
+                line("note: QIRF/CHNK 1/MATL (hide m.onetex.tbump): the type onetex shows a "
+                     "diffuse map, but the material has none [map-missing]") +
+                line("note: QIRF/CHNK 1/MATL (hide m.onetex.tbump): the type tbump shows a bump "
+                     "map, but the material has none [map-missing]") +
+                line("1 error, 3 notes"));
+
+  const nlohmann::json json = ToJson(CheckFiles(std::vector{name})[0]);
+  EXPECT_EQ(json["errors"], 1);
+  EXPECT_EQ(json["notes"], 3);
+  EXPECT_EQ(json["findings"][1],
+            nlohmann::json::parse(R"({"code": "map-missing", "severity": "note",
+      "aspect": "content", "place": "QIRF/CHNK 0/MATL", "chunk": 0, "subject": "skin m.onetex",
+      "text": "the type onetex shows a diffuse map, but the material has none", "count": 1})"));
+}
+
+TEST(CheckFiles, FileThatCannotBeReadSaysWhere) {
+  TemporaryFolder folder;
+  const std::string name = folder.File("a.im");
+  const struct {
+    std::string bytes, message;
+  } cases[] = {
+      {SkinBytes().substr(0, 100), "QIRF is "},
+      {"QI", "a tag of 4 bytes is cut off, 2 are left (at byte 0)"},
+      {"", "a tag of 4 bytes is cut off, 0 are left (at byte 0)"},
+  };
+  for (const auto& c : cases) {
+    WriteContent(name, c.bytes);
+    const CheckedFile file = CheckFiles(std::vector{name})[0];
+    EXPECT_TRUE(file.unreadable.starts_with(name + ": " + c.message)) << file.unreadable;
+    EXPECT_EQ(ToJson(file)["error"]["place"], "");
+    EXPECT_EQ(FindStructureErrors(name), Lines({file.unreadable}));
+  }
+  const std::string text = folder.File("a.txt");
+  WriteContent(text, "hello, I am a text");
+  EXPECT_EQ(CheckFiles(std::vector{text})[0].unreadable,
+            text + ": is neither an indexed mesh nor an animation file");
+}
+
+TEST(CheckFiles, ReadingBackTellsErrorsOfStructureOnly) {
+  TemporaryFolder folder;
+  const std::string name = folder.File("a.im");
+  ExIndexedMesh mesh = GoodSkin();
+  mesh.chunks[0].material.opacity = 7;
+  for (int i = 0; i < 20; ++i) AddInfluence(*mesh.influences[0], std::to_string(i), {{0, 1, {}}});
+  WriteContent(name, Written(mesh).bytes);
+  EXPECT_EQ(FindStructureErrors(name), Lines());
+  mesh.chunks[0].normals[0] = {};
+  WriteContent(name, Written(mesh).bytes);
+  EXPECT_EQ(FindStructureErrors(name),
+            Lines({name + ": QIRF/CHNK 0/GEOM (skin m.onetex): the normal of vertex 0 is 0 long "
+                          "instead of 1 [normal-not-unit]"}));
+}
+
+TEST(CheckCodes, TheDocumentationListsEveryCode) {
+  std::ifstream in(ORV_DOCS "/inspecting.md");
+  const std::string text{std::istreambuf_iterator<char>(in), {}};
+  const std::regex row(R"(\n\| `[a-z-]+` \| (error|warning|note) \| (structure|content) \|)");
+  const std::sregex_iterator first(text.begin(), text.end(), row), last;
+  EXPECT_EQ(static_cast<size_t>(std::distance(first, last)), AllCodes().size());
+  for (const CodeInfo& code : AllCodes()) {
+    EXPECT_EQ(&InfoOf(code.code), &code);
+    EXPECT_NE(text.find("\n| `" + std::string(code.name) + "` | " + NameOf(code.level) + " | " +
+                        NameOf(code.aspect) + " |"),
+              std::string::npos)
+        << code.name;
+  }
+}
+
+}  // namespace
+}  // namespace orv::inspect

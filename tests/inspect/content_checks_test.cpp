@@ -1,0 +1,123 @@
+#include "inspect/GoodFiles.h"
+
+namespace orv::inspect {
+namespace {
+
+using MeshCase = DamageCase<IndexedMeshFile>;
+
+void Scale(IndexedMeshFile& file, float factor) {
+  for (IndexedMesh::Chunk& chunk : file.mesh.chunks) {
+    for (IndexedVertex& v : chunk.vertices) v.x *= factor, v.y *= factor, v.z *= factor;
+    chunk.surfaceArea *= factor * factor;
+  }
+  file.boundingBox = ComputeBoundingBox(file.mesh);
+}
+
+TEST(ContentChecks, EachMistakeIsFoundInItsPlace) {
+  const MeshCase cases[] = {
+      {[](auto& f) { f.mesh.chunks[0].material.name = "skin"; },
+       {"QIRF/CHNK 0/MATL (skin): the material's name has no type after \"m.\" "
+        "[material-type-missing]"}},
+      {[](auto& f) { f.mesh.chunks[0].material.name = "skin m.onetexx"; },
+       {"QIRF/CHNK 0/MATL (skin m.onetexx): \"onetexx\" is no known material type "
+        "[material-type-unknown]"}},
+      {[](auto& f) { f.mesh.chunks[0].material.name = "skinm.onetex"; },
+       {"QIRF/CHNK 0/MATL (skinm.onetex): the exporter seems to have chosen the type onetex "
+        "[material-type-chosen]"}},
+      {[](auto& f) { f.mesh.chunks[0].material.name = "m.onetex"; },
+       {"QIRF/CHNK 0/MATL (m.onetex): the exporter seems to have chosen the type onetex "
+        "[material-type-chosen]"}},
+      {[](auto& f) { f.mesh.chunks[0].material.name = "item. m.onetex"; }, {}},
+      {[](auto& f) { f.mesh.chunks[0].material.name = "skin m.gloss"; },
+       {"QIRF/CHNK 0/MATL (skin m.gloss): the type gloss shows a reflection map, but the material "
+        "has none [map-missing]"}},
+      {[](auto& f) { f.mesh.chunks[1].material.maps.pop_back(); },
+       {"QIRF/CHNK 1/MATL (hide m.onetex.tbump): the type tbump shows a bump map, but the material "
+        "has none [map-missing]"}},
+      {[](auto& f) { f.mesh.chunks[0].material.opacity = 1.5f; },
+       {"QIRF/CHNK 0/MATL (skin m.onetex): the opacity is 1.5, not between 0 and 1 "
+        "[opacity-range]"}},
+      {[](auto& f) { f.mesh.chunks[0].material.maps.push_back({.channel = 12, .fileName = "x"}); },
+       {"QIRF/CHNK 0/MATL (skin m.onetex): the map x is on channel 12, where none belongs "
+        "[map-channel]"}},
+      {[](auto& f) {
+         f.mesh.chunks[0].triangles.clear();
+         f.mesh.chunks[0].vertices.clear();
+         f.mesh.chunks[0].normals.clear();
+         f.mesh.chunks[0].surfaceArea = 0;
+         f.chunks[0].indexCount = f.chunks[0].triangleCountAgain = 0;
+         f.chunks[0].maxInfluencesPerVertex = 0;
+         f.mesh.influences[0]->m_bones.clear();
+         f.maxInfluencesPerVertex = f.maxBonesPerChunk = 1;
+       },
+       {"QIRF/CHNK 0/GEOM (skin m.onetex): the chunk has no triangles [empty-chunk]"}},
+      {[](auto& f) {
+         f.mesh.chunks[0].vertices[2].y = 1e-7f;
+         f.mesh.chunks[0].surfaceArea = 0;
+       },
+       {"QIRF/CHNK 0/GEOM (skin m.onetex): triangle 0 has no area, at 0 0 0 "
+        "[zero-area-triangle]"}},
+      {[](auto& f) { f.mesh.chunks[0].vertices[2].v = -32.5f; },
+       {"QIRF/CHNK 0/GEOM (skin m.onetex): the texture coordinate of vertex 2 is far outside, at "
+        "0 -32.5 [texcoord-far]"}},
+      {[](auto& f) { Scale(f, 180); },
+       {"QIRF/INFO: the model is 180 m long, as if it were made in centimetres or millimetres "
+        "[size-large]"}},
+      {[](auto& f) { Scale(f, 1.0f / 256); },
+       {"QIRF/INFO: the model is 0.00390625 m long, as if its unit had been applied twice "
+        "[size-small]"}},
+      {[](auto& f) {
+         f.mesh.attachmentPoints.push_back({{}, {}, "Hatch"});
+       },
+       {"QIRF/ATCH: two attachment points are called Hatch [attachment-twice]"}},
+      {[](auto& f) { f.mesh.influences[0]->m_bones[0]->m_weights[2].weight = 0.5f; },
+       {"QIRF/INFL, chunk 0 (skin m.onetex): the weights of vertex 2 sum to 0.5 instead of 1 "
+        "[weight-sum]"}},
+      {[](auto& f) { f.mesh.influences[0]->m_bones[0]->m_weights.pop_back(); },
+       {"QIRF/INFL, chunk 0 (skin m.onetex): no bone moves vertex 2 [vertex-without-weight]"}},
+      {[](auto& f) {
+         f.mesh.influences[0]->m_bones[1]->m_weights.push_back({0, -0.25f, {}});
+       },
+       {"QIRF/INFL, chunk 0 (skin m.onetex): the weight of vertex 0 in bone b.knee is -0.25, not "
+        "between 0 and 1 [weight-range]"}},
+  };
+  for (const MeshCase& c : cases) EXPECT_EQ(LinesAfter(GoodSkinFile(), c.damage), c.lines);
+}
+
+TEST(ContentChecks, SixteenBonesInAChunkAreTheMost) {
+  ExIndexedMesh mesh = GoodSkin();
+  for (int i = 2; i < 16; ++i)
+    AddInfluence(*mesh.influences[0], "b." + std::to_string(i), {{0, 1, {}}});
+  Findings findings;
+  CheckContent(ReadBack(mesh), findings);
+  EXPECT_EQ(CountOf(findings, Level::Error), 0u);
+
+  AddInfluence(*mesh.influences[0], "b.16", {{0, 1, {}}});
+  AddInfluence(*mesh.influences[0], "b.idle", {{0, 0, {}}});
+  findings.clear();
+  CheckContent(ReadBack(mesh), findings);
+  ASSERT_EQ(CountOf(findings, Level::Error), 1u);
+  EXPECT_EQ(LineOf(findings[0]),
+            "QIRF/INFL, chunk 0 (skin m.onetex): 17 bones move the chunk, the "
+            "engine takes 16 [too-many-bones]");
+}
+
+TEST(ContentChecks, ChunksBeyondTheEnginesLimitsAreFound) {
+  const auto linesWith = [](size_t vertices, size_t triangles) {
+    IndexedMeshFile file = GoodSkinFile();
+    file.mesh.influences.clear();
+    file.mesh.chunks[0].vertices.resize(vertices, {0, 1, 0, 0, 0});
+    file.mesh.chunks[0].triangles.resize(triangles, {0, 1, 2});
+    Findings findings;
+    CheckContent(file, findings);
+    return LinesOf(findings);
+  };
+  EXPECT_EQ(linesWith(32000, 10666), Lines());
+  EXPECT_EQ(linesWith(32001, 1),
+            Lines({"QIRF/CHNK 0/GEOM (skin m.onetex): 32001 vertices and 3 indices, the engine "
+                   "takes 32000 of each [chunk-too-large]"}));
+  EXPECT_EQ(linesWith(3, 10667).size(), 1u);
+}
+
+}  // namespace
+}  // namespace orv::inspect
