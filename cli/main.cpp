@@ -104,15 +104,16 @@ void AddExportCommand(CLI::App& app, ExportArguments& arguments) {
   command.add_flag("--no-check", arguments.noCheck, "Do not read back and check what was written");
   command.add_flag("-q,--quiet", arguments.quiet, "Show errors and the summary only");
   command.footer(
-      "Exit status: 0 all written, no errors; 1 written, but with errors in the log or found by\n"
-      "reading back;\n"
+      "Exit status: 0 all written, no errors; 1 written, but the log or reading back has errors;\n"
       "2 wrong usage or unreadable scene; 3 a file that was asked for is missing.");
 }
 
 void AddInspectCommand(CLI::App& app, const char* name, const char* description, const char* status,
                        InspectArguments& arguments) {
   CLI::App& command = *app.add_subcommand(name, description);
-  command.add_option("FILE", arguments.files, "Model (.im) and animation (.kin) files")->required();
+  command.add_option("FILE", arguments.files, "Model (.im) and animation (.kin) files")
+      ->required()
+      ->type_name("");
   command.add_flag("--json", arguments.json, "One JSON document for all files");
   command.footer(status);
 }
