@@ -89,9 +89,10 @@ class FileWatch {
   State m_before;
 };
 
+// Which files are asked for is up to this command line alone, whatever an earlier run has left.
 void ApplyTo(Options& options, const ExportArguments& arguments) {
-  if (arguments.noGeometry) options.m_exportGeometry = false;
-  if (arguments.noAnimation) options.m_exportAnimation = false;
+  options.m_exportGeometry = !arguments.noGeometry;
+  options.m_exportAnimation = !arguments.noAnimation;
   if (arguments.collectTextures) options.m_collectTextures = true;
   if (arguments.defaultColors) options.m_useDefaultColors = true;
   if (arguments.flipGreen) options.m_normalMapFlipGreen = true;
@@ -126,8 +127,8 @@ void RunPlugin(host::Scene& scene, const std::string& name, const std::string& s
   services.dialogs = &dialogs;
   services.settingsFolder = settingsFolder.c_str();
   if (!library.UseHostServices(&services)) throw PluginError("the plug-in is of another version");
-  const std::unique_ptr<SceneExport> exporter(
-      static_cast<SceneExport*>(library.LibClassDesc(0)->Create()));
+  const std::unique_ptr<ClassDesc> descriptor(library.LibClassDesc(0));
+  const std::unique_ptr<SceneExport> exporter(static_cast<SceneExport*>(descriptor->Create()));
   exporter->DoExport(name.c_str(), nullptr, &memoryHost, FALSE, 0);
 }
 

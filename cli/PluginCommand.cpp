@@ -34,7 +34,10 @@ int RunPluginCommand() {
   std::printf("description:  %s\n", library.LibDescription());
   std::printf("host version: 0x%08X\n", static_cast<unsigned>(library.LibVersion()));
   std::printf("may defer:    %s\n", library.CanAutoDefer() ? "yes" : "no");
-  for (int i = 0; i < library.LibNumberClasses(); ++i) PrintClass(i, *library.LibClassDesc(i));
+  for (int i = 0; i < library.LibNumberClasses(); ++i) {
+    const std::unique_ptr<ClassDesc> descriptor(library.LibClassDesc(i));
+    PrintClass(i, *descriptor);
+  }
   return kStatusSuccess;
 }
 
