@@ -1,5 +1,6 @@
 #include "meshproc/PieceIndex.h"
 
+#include <algorithm>
 #include <cassert>
 
 namespace orv {
@@ -40,6 +41,19 @@ void PieceIndex::AddBones(uint32_t piece, std::span<const BoneUse> bones) {
     m_holders[use.bone][block] |= bit;
     Subtract(m_blocks[block].room, bit, 0);
   }
+}
+
+// One past the last block in which a piece can have room. Bones too many for an empty piece fit
+// only where some are held already, so that the empty pieces that such triangles leave are not
+// searched.
+size_t PieceIndex::EndOfRoomy(std::span<const BoneUse> bones) const {
+  uint32_t corners = 0;
+  size_t end = 0;
+  for (const BoneUse& use : bones) {
+    corners += use.corners;
+    end = std::max(end, m_holders[use.bone].size());
+  }
+  return corners <= m_maxBones ? m_blocks.size() : end;
 }
 
 // Takes 1, 2, 4 ... (digit 0, 1, 2 ...) from the counters of the given pieces; returns those whose

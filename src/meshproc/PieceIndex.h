@@ -31,7 +31,8 @@ class PieceIndex {
   // The first open piece that has room and that accepts(piece) takes, or kNone.
   template <typename Accepts>
   uint32_t FindFirst(std::span<const BoneUse> bones, Accepts accepts) const {
-    for (size_t block = m_firstOpenBlock; block < m_blocks.size(); ++block) {
+    const size_t end = EndOfRoomy(bones);
+    for (size_t block = m_firstOpenBlock; block < end; ++block) {
       for (uint64_t roomy = WithRoom(block, bones); roomy != 0; roomy &= roomy - 1) {
         const uint32_t piece = static_cast<uint32_t>(block * 64) + std::countr_zero(roomy);
         if (accepts(piece)) return piece;
@@ -49,6 +50,7 @@ class PieceIndex {
     Counters room{};  // for further bones
   };
 
+  size_t EndOfRoomy(std::span<const BoneUse> bones) const;
   static uint64_t Subtract(Counters& counters, uint64_t pieces, size_t digit);
   uint64_t WithRoom(size_t block, std::span<const BoneUse> bones) const;
   uint64_t Holders(uint32_t bone, size_t block) const;
