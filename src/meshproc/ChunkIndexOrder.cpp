@@ -38,9 +38,9 @@ void PointToLastPlace(std::vector<uint32_t>& newNumbers) {
 void ExIndexedMesh::OptimiseIndexOrder(size_t number) {
   Chunk& chunk = chunks[number];
   const std::vector<uint16_t> order = OptimizeTriangleOrder(Flatten(chunk.triangles));
-  // A list that lost degenerate or repeated triangles is not taken.
+  // A list that lost degenerate or repeated triangles is not taken, nor is an empty one.
   // Pinned by ChunkIndexOrder.ChunksWithDegenerateOrRepeatedTrianglesStay.
-  if (order.size() != 3 * chunk.triangles.size()) return;
+  if (order.empty() || order.size() != 3 * chunk.triangles.size()) return;
 
   std::vector<uint32_t> newNumbers = RemapInOrderOfFirstUse(order, chunk.vertices.size());
   MoveToNewPlaces(chunk.vertices, newNumbers);

@@ -109,6 +109,7 @@ TEST(ChunkIndexOrder, ChunksWithDegenerateOrRepeatedTrianglesStay) {
     const bool rotated = &triangles == &lists[3];  // is no repetition
     EXPECT_EQ(mesh.chunks[0].triangles == triangles, !rotated);
     EXPECT_EQ(mesh.chunks[0].vertices[0].x == 0, !rotated);
+    EXPECT_EQ(Weights(mesh)[0].vertex == 0, !rotated);
     EXPECT_EQ(mesh.chunks[0].faceNormals.size(), triangles.size());
   }
 }
