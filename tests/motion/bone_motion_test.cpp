@@ -67,6 +67,7 @@ INSTANTIATE_TEST_SUITE_P(Files, BoneMotion,
                                          MotionCase{ModelFile("FBX/animation_with_skeleton.fbx"),
                                                     kWithJoints, 24},
                                          MotionCase{ModelFile("FBX/huesitos.fbx"), kWithJoints, 25},
+                                         MotionCase{ModelFile("X/anim_test.x"), kWithJoints, 30},
                                          MotionCase{ModelFile("X/Testwuson.X"), kWithJoints, 30}));
 
 // The bone tree of a mesh file, composed from its root down, stands as the scene does at time 0.
