@@ -122,6 +122,10 @@ TEST(Settings, AreKeptOnlyWhereTold) {
   EXPECT_EQ(place.Mesh("out.im").chunks[0].shininess, 32.0f);
   EXPECT_EQ(place.Export(kMoving, "out").status, 0);
   EXPECT_NE(place.Mesh("out.im").chunks[0].shininess, 32.0f);
+
+  // Which files to write is asked anew each time.
+  EXPECT_EQ(place.Export(kMoving, "out", {"--settings", "kept", "--no-geometry"}).status, 0);
+  EXPECT_EQ(place.Export(kMoving, "out", {"--settings", "kept"}).status, 0);
 }
 
 }  // namespace
