@@ -27,6 +27,7 @@ Function* Entry(const char* name) {
 class ScriptedDialogs : public ExportDialogs {
  public:
   std::function<bool(Options&)> onOptions = [](Options&) { return true; };
+  std::function<void()> onWait = [] {};
   ButtonResult answer = ButtonResult::None;
   bool canPrompt = true;
   std::vector<std::string> log;    // "info: ...", "warning: ...", "error: ..."
@@ -41,7 +42,10 @@ class ScriptedDialogs : public ExportDialogs {
     const char* const labels[] = {"info: ", "warning: ", "error: "};
     log.push_back(labels[static_cast<int>(severity)] + std::string(text));
   }
-  void WaitForLogClosed(int) override { calls.push_back("wait"); }
+  void WaitForLogClosed(int) override {
+    calls.push_back("wait");
+    onWait();
+  }
   void CloseLog() override { calls.push_back("close"); }
   ButtonResult Ask(const char*, const char*) override {
     calls.push_back("ask");

@@ -11,6 +11,7 @@
 #include "options/Options.h"
 #include "platform/Platform.h"
 #include "scene/SideFiles.h"
+#include "shell/CatchAll.h"
 #include "shell/ManageDialog.h"
 #include "shell/MaxExportUserInterface.h"
 #include "shell/OrvExporter.h"
@@ -67,27 +68,40 @@ std::string FindBitmap(const std::string& name) {
 int OrvExporter::DoExport(const TCHAR* name, ExpInterface* /*ei*/, Interface* host,
                           BOOL /*suppressPrompts*/, DWORD options) {
   m_host = host;
+  int result = 1;
+  CatchAll([&] { result = ExportAndReport(name, options); });
+  if (m_geometry) m_geometry->Clear();
+  if (m_animation) m_animation->Clear();
+  return result;
+}
+
+// What stops an export is logged, and the log then ends as after any other.
+int OrvExporter::ExportAndReport(const TCHAR* name, DWORD options) {
   bool succeeded = true;
   try {
     if (!m_geometry || !m_animation) throw kUnhandledException;
-    const ExString optionsPath = OptionsPath();
-    Options& settings = Options::Instance();
-    if (!settings.Load(optionsPath.CStr())) settings.Reset();
-    SeedFrameRange(settings, host->GetAnimRange());
-    if (!ManageDialog::ShowExporterDialog(OwnerWindow(host))) return 1;
-    settings.Save(optionsPath.CStr());
+    if (!LetUserChoose()) return 1;
     succeeded = RunExport(name, options);
   } catch (const char* text) {
     LogError(text ? text : "<NULL>");
   } catch (...) {
     LogError(kUnhandledException);
   }
-  if (m_geometry) m_geometry->Clear();
-  if (m_animation) m_animation->Clear();
   LogSummary();
-  ManageDialog::WaitForUserToCloseLogWindow(OwnerWindow(host));
+  ManageDialog::WaitForUserToCloseLogWindow(OwnerWindow(m_host));
   ManageDialog::DestroyManagedResources();
   return succeeded ? 1 : 0;
+}
+
+// The options as they were left, with the host's frames; false: the user cancels.
+bool OrvExporter::LetUserChoose() {
+  const ExString path = OptionsPath();
+  Options& settings = Options::Instance();
+  if (!settings.Load(path.CStr())) settings.Reset();
+  SeedFrameRange(settings, m_host->GetAnimRange());
+  if (!ManageDialog::ShowExporterDialog(OwnerWindow(m_host))) return false;
+  settings.Save(path.CStr());
+  return true;
 }
 
 ExString OrvExporter::OptionsPath() const {
@@ -106,6 +120,7 @@ ExString OrvExporter::OptionsPath() const {
   return folder.AppendPath("OrvExporter.xml", false);
 }
 
+// The host's progress bar ends with it, also after a failure: the summary comes last.
 bool OrvExporter::RunExport(const TCHAR* name, DWORD options) {
   const Options& settings = Options::Instance();
   MaxExportUserInterface ui(m_host);
@@ -135,6 +150,7 @@ void OrvExporter::WalkNode(INode* top, bool selectedOnly) {
   while (!waiting.empty()) {
     INode* node = waiting.back();
     waiting.pop_back();
+    if (!node) continue;
     if (!node->IsHidden(0, FALSE) && !node->IsFrozen()) {
       if (settings.m_exportGeometry) m_geometry->AddNode(node, selectedOnly);
       if (settings.m_exportAnimation) m_animation->AddNode(node, selectedOnly);

@@ -53,7 +53,7 @@ void MaxExportUserInterface::SetProgressText(const char* text) {
 
 void MaxExportUserInterface::SetProgress(float fraction) {
   const int oldPercent = static_cast<int>(100 * m_fraction);
-  m_fraction = std::min(std::max(fraction, 0.0f), 1.0f);
+  m_fraction = std::min(std::max(0.0f, fraction), 1.0f);  // 0 for a NaN
   if (100 * m_fraction != static_cast<float>(oldPercent)) UpdateHostBar();
 }
 

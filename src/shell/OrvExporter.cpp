@@ -1,20 +1,11 @@
 #include "shell/OrvExporter.h"
 
 #include "platform/Platform.h"
+#include "shell/CatchAll.h"
 #include "shell/ResourceText.h"
 
 namespace orv {
 namespace {
-
-template <typename Body>
-void CatchAll(Body body) {
-  try {
-    body();
-  } catch (...) {
-    platform::ShowMessageBox(kUnhandledException, "Exception", platform::Buttons::Ok,
-                             platform::Icon::Error);
-  }
-}
 
 // The path up to and with its last separator.
 ExString FolderOf(const std::string& path) {

@@ -39,9 +39,11 @@ class OrvExporter : public SceneExport {
 
  private:
   ExString OptionsPath() const;
+  int ExportAndReport(const TCHAR* name, DWORD options);
+  bool LetUserChoose();
   bool RunExport(const TCHAR* name, DWORD options);
   void CollectNodes(DWORD options);
-  void WalkNode(INode* node, bool selectedOnly);
+  void WalkNode(INode* top, bool selectedOnly);
   bool ExportGeometry(const TCHAR* name, ExportUserInterface& ui);
   void ExportAnimation(const TCHAR* name, ExportUserInterface& ui);
 
@@ -50,8 +52,5 @@ class OrvExporter : public SceneExport {
   std::unique_ptr<MaxExAnimationExporter> m_animation;
   ExString m_exporterFolder;  // of the host's program, with its trailing separator
 };
-
-inline constexpr char kUnhandledException[] =
-    "Unhandled exception occurred in plug-in!\nPlug-in terminated.";
 
 }  // namespace orv

@@ -200,6 +200,9 @@ TEST_F(ExportDriver, NoExceptionLeavesIt) {
     EXPECT_TRUE(LastLine().starts_with("error: Export completed with ")) << LastLine();
     EXPECT_EQ(m_plugin.dialogs.calls.back(), "wait");
   }
+  m_plugin.dialogs.onOptions = [](Options&) { return true; };
+  m_plugin.dialogs.onWait = [] { throw std::runtime_error("x"); };
+  EXPECT_EQ(Export(), 1);
 }
 
 }  // namespace
