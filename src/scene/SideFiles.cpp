@@ -142,7 +142,7 @@ bool SideFileWriter::MayReplaceAfterAsking(const std::string& path, const char* 
 // new file lets none be removed either.
 void SideFileWriter::ReplaceRemoved(const std::string& path, const std::string& text,
                                     const char* prefix) {
-  const std::string newPath = path + ".new";
+  const std::string newPath = path + ".orv-new";
   const bool canRemove = platform::WhyNotWritable(newPath).empty();
   if (canRemove && !WriteText(newPath, text, path)) return;
   if (!canRemove || !platform::RemoveFile(path)) {
@@ -154,6 +154,7 @@ void SideFileWriter::ReplaceRemoved(const std::string& path, const std::string& 
   LogOverwriting(path);
   if (!platform::ReplaceFile(newPath, path)) {
     m_ui.LogError("Could not open texture file %s for writing.", path.c_str());
+    m_ui.LogInfo("  its text is in %s", newPath.c_str());
   }
 }
 
@@ -168,11 +169,10 @@ bool SideFileWriter::WriteText(const std::string& path, const std::string& text,
   return false;
 }
 
-// With exactly one separator between the two; a folder of no name is the current one.
+// With exactly one separator between the two; a folder of no name is the topmost one.
 std::string DestinationPath(const std::string& folder, const std::string& source) {
   const std::string name = MapName(source);
   ExString path(folder.c_str());
-  if (path.IsEmpty()) return name;
   return path.AppendPath(name.c_str(), false).NormalizeSeparators('\\').CStr();
 }
 
