@@ -97,7 +97,7 @@ void ApplyTo(Options& options, const ExportArguments& arguments) {
   if (arguments.defaultColors) options.m_useDefaultColors = true;
   if (arguments.flipGreen) options.m_normalMapFlipGreen = true;
   if (arguments.forceTextures) options.m_forceTxtOverwrite = true;
-  options.m_eventFileName = arguments.eventFile.c_str();
+  if (!arguments.eventFile.empty()) options.m_eventFileName = arguments.eventFile.c_str();
 }
 
 void MarkNodes(host::Scene& scene, const ExportArguments& arguments) {
