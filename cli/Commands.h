@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,9 +38,17 @@ struct InspectArguments {
   bool json = false;
 };
 
+struct ConvertArguments {
+  std::string model;
+  std::string animation;
+  std::string output;
+  std::optional<double> metresPerUnit;
+};
+
 int RunExportCommand(ExportArguments arguments);
 int RunPluginCommand();
 int RunInfoCommand(const InspectArguments& arguments);
 int RunCheckCommand(const InspectArguments& arguments);
+int RunConvertCommand(const ConvertArguments& arguments);
 
 }  // namespace orv::cli

@@ -99,7 +99,7 @@ void AddExportCommand(CLI::App& app, ExportArguments& arguments) {
                    "Overwrite .texture.txt files that are there already");
   command
       .add_option("--settings", arguments.settingsFolder,
-                  "Keep the exporter's options file in this folder (default: forget them)")
+                  "Keep the exporter's options file below this folder (default: forget them)")
       ->type_name("DIR");
   command.add_flag("--no-check", arguments.noCheck, "Do not read back and check what was written");
   command.add_flag("-q,--quiet", arguments.quiet, "Show errors and the summary only");
@@ -116,6 +116,25 @@ void AddInspectCommand(CLI::App& app, const char* name, const char* description,
       ->type_name("");
   command.add_flag("--json", arguments.json, "One JSON document for all files");
   command.footer(status);
+}
+
+void AddConvertCommand(CLI::App& app, ConvertArguments& arguments) {
+  CLI::App& command =
+      *app.add_subcommand("convert", "Turn a model, and its animation, into a glTF binary (.glb)");
+  command.add_option("MODEL", arguments.model, "Model (.im)")->required();
+  command.add_option("ANIMATION", arguments.animation, "Animation (.kin) of its bones");
+  command
+      .add_option("-o,--output", arguments.output,
+                  "File to write (default: the model's name with .glb, in this folder)")
+      ->type_name("OUT.glb");
+  command
+      .add_option("--unit", arguments.metresPerUnit,
+                  "Metres per unit of the bones' positions, where no animation says it")
+      ->type_name("METRES")
+      ->check(CLI::PositiveNumber);
+  command.footer(
+      "Exit status: 0 written; 1 written, but something was mended or left out, see the messages;\n"
+      "2 wrong usage, or a file cannot be read; 3 the file cannot be written.");
 }
 
 std::vector<std::string> OptionNames(const CLI::App& command) {
@@ -160,6 +179,8 @@ int Run(int argc, char** argv) {
                     "Exit status: 0 no errors (warnings perhaps); 1 errors were found; 2 wrong "
                     "usage, or a file\ncannot be read. docs/inspecting.md lists what is found.",
                     inspectArguments);
+  ConvertArguments convertArguments;
+  AddConvertCommand(app, convertArguments);
   app.add_subcommand("plugin", "Show what the plug-in library tells a host of itself");
   app.require_subcommand(1);
   for (CLI::App* command : app.get_subcommands({})) command->allow_extras();
@@ -173,6 +194,7 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("export")) return RunExportCommand(std::move(arguments));
   if (app.got_subcommand("info")) return RunInfoCommand(inspectArguments);
   if (app.got_subcommand("check")) return RunCheckCommand(inspectArguments);
+  if (app.got_subcommand("convert")) return RunConvertCommand(convertArguments);
   return RunPluginCommand();
 }
 

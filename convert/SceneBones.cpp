@@ -1,0 +1,225 @@
+#include "convert/SceneBones.h"
+
+#include <optional>
+#include <unordered_map>
+
+#include "convert/BoneRest.h"
+#include "platform/ExString.h"
+
+namespace orv::convert {
+
+namespace {
+
+struct SkinBone {
+  const GenericBoneInfluence* header = nullptr;
+  std::vector<BoneEntry> entries;
+  int32_t parent = -1;
+  bool parentMissing = false;  // it has one that the file lacks
+  Pose local;                  // relative to the parent
+  std::optional<Pose> world;
+};
+
+class SkinTree {
+ public:
+  SkinTree(const IndexedMesh& mesh, Messages& messages) : m_mesh(mesh), m_messages(messages) {
+    CollectBones();
+    for (SkinBone& bone : m_bones) ReadHeader(bone);
+    CutCircles();
+  }
+
+  void Place(const AnimationFile* animation, double metresPerUnit) {
+    for (size_t i = 0; i < m_bones.size(); ++i) {
+      if (m_bones[i].parent < 0) PlaceTop(i, animation, metresPerUnit);
+    }
+    for (size_t i = 0; i < m_bones.size(); ++i) PlaceBelow(i);
+  }
+
+  std::vector<SceneBone> Result() const {
+    std::vector<SceneBone> result;
+    for (const SkinBone& bone : m_bones) {
+      Pose rest = *bone.world;
+      rest.mirrored = false;  // the animation's quaternions cannot mirror either
+      result.push_back({bone.header->m_name, bone.parent, rest, -1});
+    }
+    return result;
+  }
+
+ private:
+  void CollectBones() {
+    for (size_t chunk = 0; chunk < m_mesh.influences.size(); ++chunk) {
+      for (const auto& bone : m_mesh.influences[chunk]->m_bones) {
+        const auto [place, isNew] = m_byName.try_emplace(LowerCase(bone->m_name), m_bones.size());
+        if (isNew) m_bones.emplace_back().header = bone.get();
+        m_bones[place->second].entries.push_back({chunk, bone.get()});
+      }
+    }
+  }
+
+  void ReadHeader(SkinBone& bone) {
+    const GenericBoneInfluence& header = *bone.header;
+    if (!header.m_parentName.empty()) {
+      const auto parent = m_byName.find(LowerCase(header.m_parentName));
+      bone.parentMissing = parent == m_byName.end();
+      if (!bone.parentMissing) bone.parent = static_cast<int32_t>(parent->second);
+    }
+    const std::optional<Pose> local = PoseFrom(header.m_position, header.m_rotation);
+    if (local) bone.local = *local;
+    if (!local) {
+      m_messages.mended.push_back("bone " + header.m_name +
+                                  ": has no usable rotation or position, stands at its parent's");
+    }
+  }
+
+  // The topmost bone of a circle is the one that is met twice first.
+  void CutCircles() {
+    std::vector<size_t> seenFrom(m_bones.size(), SIZE_MAX);
+    for (size_t i = 0; i < m_bones.size(); ++i) {
+      size_t at = i;
+      while (seenFrom[at] == SIZE_MAX) {
+        seenFrom[at] = i;
+        if (m_bones[at].parent < 0) break;
+        at = static_cast<size_t>(m_bones[at].parent);
+      }
+      if (seenFrom[at] != i || m_bones[at].parent < 0) continue;
+      m_bones[at].parent = -1;
+      m_messages.mended.push_back("bone " + m_bones[at].header->m_name +
+                                  ": stands below itself, now below nothing");
+    }
+  }
+
+  // From the bone's own top bone down to it.
+  std::pair<size_t, Pose> BelowTop(size_t bone) const {
+    Pose pose = m_bones[bone].local;
+    bool isTop = m_bones[bone].parent < 0;
+    if (isTop) return {bone, Pose{}};
+    size_t at = static_cast<size_t>(m_bones[bone].parent);
+    while (m_bones[at].parent >= 0) {
+      pose = Compose(m_bones[at].local, pose);
+      at = static_cast<size_t>(m_bones[at].parent);
+    }
+    return {at, pose};
+  }
+
+  std::optional<Pose> TopFromVertices(size_t top) const {
+    for (size_t i = 0; i < m_bones.size(); ++i) {
+      const auto [above, below] = BelowTop(i);
+      if (above != top) continue;
+      if (const std::optional<Pose> rest = RestFromVertices(m_mesh, m_bones[i].entries)) {
+        return Compose(*rest, Inverse(below));
+      }
+    }
+    return std::nullopt;
+  }
+
+  void PlaceTop(size_t top, const AnimationFile* animation, double metresPerUnit) {
+    SkinBone& bone = m_bones[top];
+    bone.world = bone.local;
+    if (!bone.parentMissing) return;
+    if (const std::optional<Pose> rest = TopFromVertices(top)) {
+      bone.world = rest;
+      return;
+    }
+    for (size_t i = 0; animation && animation->frameCount > 0 && i < animation->bones.size(); ++i) {
+      if (!EqualIgnoringCase(animation->bones[i].name, bone.header->m_name)) continue;
+      const BonePose& pose = animation->Frame(0)[i];
+      if (const auto world = PoseFrom(pose.position, pose.rotation, metresPerUnit)) {
+        bone.world = world;
+        return;
+      }
+    }
+    m_messages.notes.push_back("bone " + bone.header->m_name + ": its parent " +
+                               bone.header->m_parentName +
+                               " is not in the file and is taken to stand at the origin");
+  }
+
+  void PlaceBelow(size_t bone) {
+    std::vector<size_t> unplaced;
+    size_t at = bone;
+    for (; !m_bones[at].world; at = static_cast<size_t>(m_bones[at].parent)) unplaced.push_back(at);
+    Pose world = *m_bones[at].world;
+    for (; !unplaced.empty(); unplaced.pop_back()) {
+      world = Compose(world, m_bones[unplaced.back()].local);
+      m_bones[unplaced.back()].world = world;
+    }
+  }
+
+  const IndexedMesh& m_mesh;
+  Messages& m_messages;
+  std::vector<SkinBone> m_bones;
+  std::unordered_map<std::string, size_t> m_byName;
+};
+
+// The bones of a name, in their order, each given out once.
+class BonesByName {
+ public:
+  explicit BonesByName(const std::vector<SceneBone>& bones) {
+    for (size_t i = bones.size(); i-- > 0;) m_left[LowerCase(bones[i].name)].push_back(i);
+  }
+
+  std::optional<size_t> Take(const std::string& name) {
+    const auto found = m_left.find(LowerCase(name));
+    if (found == m_left.end() || found->second.empty()) return std::nullopt;
+    const size_t bone = found->second.back();
+    found->second.pop_back();
+    return bone;
+  }
+
+ private:
+  std::unordered_map<std::string, std::vector<size_t>> m_left;
+};
+
+}  // namespace
+
+std::vector<SceneBone> RigidBones(const IndexedMeshFile& file, double metresPerUnit,
+                                  Messages& messages) {
+  std::vector<SceneBone> bones;
+  for (size_t i = 0; i < file.bones.size(); ++i) {
+    const BonePose& stored = file.bonePoses[i];
+    const std::optional<Pose> pose = PoseFrom(stored.position, stored.rotation, metresPerUnit);
+    if (!pose) {
+      messages.mended.push_back("bone " + file.bones[i].name +
+                                ": has no usable rotation or position, stands at its parent's");
+    }
+    const int32_t parent = file.bones[i].parent;
+    const Pose local = pose.value_or(Pose{});
+    const Pose world = parent < 0 ? local : Compose(bones[static_cast<size_t>(parent)].rest, local);
+    bones.push_back({file.bones[i].name, parent, world, -1});
+  }
+  return bones;
+}
+
+std::vector<SceneBone> SkinBones(const IndexedMesh& mesh, const AnimationFile* animation,
+                                 double metresPerUnit, Messages& messages) {
+  SkinTree tree(mesh, messages);
+  tree.Place(animation, metresPerUnit);
+  return tree.Result();
+}
+
+void JoinAnimation(const AnimationFile& animation, double metresPerUnit,
+                   std::vector<SceneBone>& bones, Messages& messages) {
+  BonesByName known(bones);
+  const bool hadBones = !bones.empty();
+  std::vector<size_t> placeOfTrack;
+  for (size_t track = 0; track < animation.bones.size(); ++track) {
+    const BoneNode& node = animation.bones[track];
+    std::optional<size_t> place = known.Take(node.name);
+    if (!place) {
+      std::optional<Pose> rest;
+      if (animation.poses.size() > track) {
+        const BonePose& first = animation.poses[track];
+        rest = PoseFrom(first.position, first.rotation, metresPerUnit);
+      }
+      if (hadBones) {
+        messages.notes.push_back("bone " + node.name + ": is in the animation only");
+      }
+      place = bones.size();
+      bones.push_back({node.name, -1, rest.value_or(Pose{}), -1});
+    }
+    bones[*place].track = static_cast<int32_t>(track);
+    bones[*place].parent =
+        node.parent < 0 ? -1 : static_cast<int32_t>(placeOfTrack[static_cast<size_t>(node.parent)]);
+    placeOfTrack.push_back(*place);
+  }
+}
+
+}  // namespace orv::convert

@@ -1,0 +1,123 @@
+#include "convert/Textures.h"
+
+#include <fstream>
+#include <iterator>
+
+#include "convert/Pictures.h"
+#include "platform/ExString.h"
+#include "platform/Platform.h"
+
+namespace orv::convert {
+
+namespace {
+
+constexpr uint32_t kClampToEdge = 33071, kRepeat = 10497;
+
+// The rest of a line that begins with the key.
+std::optional<std::string> ValueOf(const std::string& line, std::string_view key) {
+  if (!BeginsWithIgnoringCase(line, key)) return std::nullopt;
+  return std::string(FileNamePart(std::string_view(line).substr(key.size())));
+}
+
+}  // namespace
+
+Textures::Textures(const std::string& folder, GlbDocument& document, Messages& messages)
+    : m_document(document), m_messages(messages) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const fs::path native = folder.empty() ? "." : platform::NativePath(folder);
+  for (fs::directory_iterator entry(native, error), end; !error && entry != end;
+       entry.increment(error)) {
+    m_files.emplace(LowerCase(entry->path().filename().string()), entry->path());
+  }
+}
+
+std::optional<Texture> Textures::Find(const std::string& name) {
+  const std::string key = LowerCase(FileNamePart(name));
+  const auto known = m_made.find(key);
+  if (known != m_made.end()) return known->second;
+  return m_made[key] = Make(std::string(FileNamePart(name)));
+}
+
+std::optional<Texture> Textures::Make(const std::string& name) {
+  SideFile sideFile;
+  sideFile.primary = name;
+  if (LowerCase(name).ends_with(".texture")) {
+    const std::optional<SideFile> read = ReadSideFile(name + ".txt");
+    if (!read) return std::nullopt;
+    sideFile = *read;
+  }
+  const std::optional<size_t> image = ImageOf(sideFile);
+  if (!image) return std::nullopt;
+  const size_t texture =
+      m_document.Add("textures", {{"sampler", SamplerOf(sideFile)}, {"source", *image}});
+  return Texture{texture, !sideFile.alpha.empty()};
+}
+
+std::optional<Textures::SideFile> Textures::ReadSideFile(const std::string& name) {
+  const auto found = m_files.find(LowerCase(name));
+  if (found == m_files.end()) {
+    m_messages.mended.push_back(name + ": is not beside the model, its texture is left out");
+    return std::nullopt;
+  }
+  SideFile sideFile;
+  sideFile.tileS = sideFile.tileT = false;
+  std::ifstream in(found->second);
+  for (std::string line; std::getline(in, line);) {
+    const std::string text = ExString(line.c_str()).TrimWhiteSpace().CStr();
+    if (const auto value = ValueOf(text, "primary=")) sideFile.primary = *value;
+    if (const auto value = ValueOf(text, "alpha=")) sideFile.alpha = *value;
+    if (const auto value = ValueOf(text, "tile=")) {
+      sideFile.tileS = value->find('s') != std::string::npos;
+      sideFile.tileT = value->find('t') != std::string::npos;
+    }
+  }
+  if (!sideFile.primary.empty()) return sideFile;
+  m_messages.mended.push_back(name + ": has no line \"Primary=\", its texture is left out");
+  return std::nullopt;
+}
+
+std::optional<size_t> Textures::ImageOf(const SideFile& sideFile) {
+  const std::string alphaName =
+      EqualIgnoringCase(sideFile.alpha, sideFile.primary) ? "" : sideFile.alpha;
+  const auto [known, isNew] =
+      m_images.try_emplace({LowerCase(sideFile.primary), LowerCase(alphaName)});
+  if (!isNew) return known->second;
+  const std::optional<std::string> bytes = ReadBeside(sideFile.primary);
+  if (!bytes) return std::nullopt;
+  std::optional<std::string> alphaBytes;
+  if (!alphaName.empty()) alphaBytes = ReadBeside(alphaName);
+  const std::optional<Picture> picture =
+      alphaBytes ? WithAlphaOf(*bytes, sideFile.primary, *alphaBytes, alphaName)
+                 : PictureFrom(*bytes, sideFile.primary);
+  if (!picture) {
+    m_messages.mended.push_back(sideFile.primary + ": is no picture that can be read, left out");
+    return std::nullopt;
+  }
+  std::string name(BaseNamePart(sideFile.primary));
+  if (alphaBytes) name += "-" + std::string(BaseNamePart(alphaName));
+  known->second = m_document.AddImage(picture->bytes, picture->mimeType, name);
+  return known->second;
+}
+
+std::optional<std::string> Textures::ReadBeside(const std::string& name) {
+  const auto found = m_files.find(LowerCase(name));
+  if (found == m_files.end()) {
+    m_messages.mended.push_back(name + ": is not beside the model, left out");
+    return std::nullopt;
+  }
+  std::ifstream in(found->second, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+size_t Textures::SamplerOf(const SideFile& sideFile) {
+  const auto [known, isNew] = m_samplers.try_emplace({sideFile.tileS, sideFile.tileT});
+  if (isNew) {
+    known->second =
+        m_document.Add("samplers", {{"wrapS", sideFile.tileS ? kRepeat : kClampToEdge},
+                                    {"wrapT", sideFile.tileT ? kRepeat : kClampToEdge}});
+  }
+  return known->second;
+}
+
+}  // namespace orv::convert
