@@ -1,14 +1,13 @@
 #include "formats/AnimationWriter.h"
 
 #include "formats/BonePose.h"
+#include "formats/BoneTree.h"
 #include "formats/ChunkStream.h"
 #include "formats/FileVersions.h"
 
 namespace orv {
 
 namespace {
-
-using Node = GenericSkeleton::Node;
 
 void WriteInfo(std::ostream& out, const AnimationHeader& header) {
   // A range that ends before it begins counts down below zero. Pinned by
@@ -22,22 +21,8 @@ void WriteInfo(std::ostream& out, const AnimationHeader& header) {
   WriteF32(out, header.masterScale);
 }
 
-void WriteBone(std::ostream& out, const Node& bone) {
-  ChunkScope chunk(out, "BONE", kBoneVersion);
-  WriteString(out, bone.Name());
-  WriteU32(out, static_cast<uint32_t>(bone.m_children.size()));
-  for (const auto& child : bone.m_children) WriteBone(out, *child);
-}
-
-// A bone, then the subtree of each child: the order of the bone chunks.
-void CollectBones(const Node& bone, std::vector<const Node*>& bones) {
-  bones.push_back(&bone);
-  for (const auto& child : bone.m_children) CollectBones(*child, bones);
-}
-
 void WriteFrames(std::ostream& out, GenericSkeleton& skeleton, int64_t first, int64_t last) {
-  std::vector<const Node*> bones;
-  CollectBones(*skeleton.m_root, bones);
+  const std::vector<const GenericSkeleton::Node*> bones = BonesInFileOrder(*skeleton.m_root);
   std::vector<BonePose> poses(bones.size());
   for (int64_t frame = first; frame <= last; ++frame) {
     skeleton.SetFrame(static_cast<int>(frame));
@@ -58,7 +43,7 @@ void WriteAnimation(std::ostream& out, GenericSkeleton& skeleton, const Animatio
   WriteEvents(out, header.events, header.firstFrame, header.lastFrame);
   {
     ChunkScope skel(out, "SKEL", kSkeletonVersion);
-    WriteBone(out, *skeleton.m_root);
+    WriteBoneTree(out, *skeleton.m_root, nullptr);
   }
   WriteFrames(out, skeleton, header.firstFrame, header.lastFrame);
 }

@@ -1,5 +1,6 @@
 #include "formats/BoneTree.h"
 
+#include "formats/ChunkStream.h"
 #include "formats/FileVersions.h"
 
 namespace orv {
@@ -23,6 +24,24 @@ OpenBone EnterBone(ChunkReader& in, int32_t parent, std::vector<BoneNode>& bones
   return {index, in.ReadCount("child", kMinBoneBytes)};
 }
 
+// A bone whose children are being written.
+struct UnfinishedBone {
+  const GenericSkeleton::Node* bone;
+  ChunkPosition length;
+  size_t nextChild = 0;
+};
+
+UnfinishedBone BeginBone(std::ostream& out, const GenericSkeleton::Node& bone,
+                         const GenericSkeleton::Node* parent, WriteBonePose writePose) {
+  WriteTag(out, "BONE");
+  const ChunkPosition length = BeginChunk(out);
+  WriteU32(out, kBoneVersion);
+  WriteString(out, bone.Name());
+  if (writePose) writePose(out, bone, parent);
+  WriteU32(out, static_cast<uint32_t>(bone.m_children.size()));
+  return {&bone, length};
+}
+
 }  // namespace
 
 void ReadBoneTree(ChunkReader& in, std::vector<BoneNode>& bones, std::vector<BonePose>* poses) {
@@ -37,6 +56,33 @@ void ReadBoneTree(ChunkReader& in, std::vector<BoneNode>& bones, std::vector<Bon
       open.push_back(EnterBone(in, bone.index, bones, poses));
     }
   }
+}
+
+void WriteBoneTree(std::ostream& out, const GenericSkeleton::Node& root, WriteBonePose writePose) {
+  std::vector<UnfinishedBone> unfinished{BeginBone(out, root, nullptr, writePose)};
+  while (!unfinished.empty()) {
+    UnfinishedBone& last = unfinished.back();
+    const GenericSkeleton::Node* bone = last.bone;
+    if (last.nextChild == bone->m_children.size()) {
+      EndChunk(out, last.length);
+      unfinished.pop_back();
+    } else {
+      const auto& child = bone->m_children[last.nextChild++];
+      unfinished.push_back(BeginBone(out, *child, bone, writePose));
+    }
+  }
+}
+
+std::vector<const GenericSkeleton::Node*> BonesInFileOrder(const GenericSkeleton::Node& root) {
+  std::vector<const GenericSkeleton::Node*> bones;
+  std::vector<const GenericSkeleton::Node*> waiting{&root};
+  while (!waiting.empty()) {
+    bones.push_back(waiting.back());
+    waiting.pop_back();
+    const auto& children = bones.back()->m_children;
+    for (size_t i = children.size(); i-- > 0;) waiting.push_back(children[i].get());
+  }
+  return bones;
 }
 
 }  // namespace orv

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <vector>
 
 #include "formats/BonePose.h"
 #include "formats/ChunkReader.h"
+#include "scene/GenericSkeleton.h"
 
 namespace orv {
 
@@ -18,5 +20,14 @@ struct BoneNode {
 // The body of "SKEL": the root bone with all below it, nested to any depth. poses: for the mesh
 // file, whose bones carry theirs, relative to the parent; null for the animation file.
 void ReadBoneTree(ChunkReader& in, std::vector<BoneNode>& bones, std::vector<BonePose>* poses);
+
+// The other way round. writePose: what stands between a bone's name and its child count; parent is
+// null for the root. Null itself for the animation file.
+using WriteBonePose = void (*)(std::ostream& out, const GenericSkeleton::Node& bone,
+                               const GenericSkeleton::Node* parent);
+void WriteBoneTree(std::ostream& out, const GenericSkeleton::Node& root, WriteBonePose writePose);
+
+// In the order of the bone chunks: a bone, then the subtree of each child.
+std::vector<const GenericSkeleton::Node*> BonesInFileOrder(const GenericSkeleton::Node& root);
 
 }  // namespace orv

@@ -2,6 +2,7 @@
 
 #include <cassert>
 
+#include "formats/BoneTree.h"
 #include "formats/ChunkStream.h"
 #include "formats/FileVersions.h"
 #include "platform/ExString.h"
@@ -45,8 +46,8 @@ void WriteMaps(std::ostream& out, const GenericMaterial& material, bool hasOpaci
 }
 
 // Relative to the parent bone, with row matrices: world = stored x parent's world.
-void WriteBone(std::ostream& out, const GenericSkeleton::Node& bone,
-               const GenericSkeleton::Node* parent) {
+void WriteRelativePose(std::ostream& out, const GenericSkeleton::Node& bone,
+                       const GenericSkeleton::Node* parent) {
   Vec3 translation = bone.Position();
   Quaternion rotation = bone.Rotation();
   if (parent) {
@@ -54,15 +55,11 @@ void WriteBone(std::ostream& out, const GenericSkeleton::Node& bone,
     translation = (translation - parent->Position()) * RotationRows(intoParent);
     rotation = rotation * intoParent;
   }
-  ChunkScope chunk(out, "BONE", kBoneVersion);
-  WriteString(out, bone.Name());
   WriteVec3(out, translation);
   WriteF32(out, rotation.x);
   WriteF32(out, rotation.y);
   WriteF32(out, rotation.z);
   WriteF32(out, rotation.w);
-  WriteU32(out, static_cast<uint32_t>(bone.m_children.size()));
-  for (const auto& child : bone.m_children) WriteBone(out, *child, &bone);
 }
 
 }  // namespace
@@ -130,7 +127,7 @@ void WriteNeighbours(std::ostream& out, const IndexedMesh::Chunk& chunk) {
 void WriteMeshSkeleton(std::ostream& out, GenericSkeleton& skeleton) {
   skeleton.SetFrame(0);
   ChunkScope skel(out, "SKEL", kSkeletonVersion);
-  WriteBone(out, *skeleton.m_root, nullptr);
+  WriteBoneTree(out, *skeleton.m_root, WriteRelativePose);
 }
 
 void WriteAttachments(std::ostream& out, std::span<const AttachmentPoint> points) {

@@ -15,7 +15,7 @@ class GenericSkeleton {
  public:
   class Node {
    public:
-    virtual ~Node() = default;
+    virtual ~Node();
     virtual const char* Name() const = 0;
     virtual Vec3 Position() const = 0;
     virtual Quaternion Rotation() const = 0;
