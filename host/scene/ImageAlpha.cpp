@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "host/scene/ImportContext.h"
+
 namespace orv::host {
 namespace {
 
@@ -26,16 +28,6 @@ bool PngCarriesAlpha(std::string_view bytes) {
     chunk += size_t{12} + BigEndian(bytes, chunk);
   }
   return false;
-}
-
-bool EndsWithIgnoringCase(std::string_view text, std::string_view lowerEnd) {
-  if (text.size() < lowerEnd.size()) return false;
-  text.remove_prefix(text.size() - lowerEnd.size());
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i] >= 'A' && text[i] <= 'Z' ? static_cast<char>(text[i] + 32) : text[i];
-    if (c != lowerEnd[i]) return false;
-  }
-  return true;
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include <span>
 #include <utility>
 
+#include "host/scene/GltfSkins.h"
 #include "host/scene/ImportContext.h"
 #include "host/scene/ImportMaterials.h"
 #include "host/scene/ImportMeshes.h"
@@ -52,6 +53,8 @@ std::unique_ptr<aiScene> ReadSource(const std::string& path) {
   std::error_code error;
   if (!std::filesystem::exists(path, error)) throw SceneError(path + ": there is no such file");
   if (std::filesystem::is_directory(path, error)) throw SceneError(path + ": is a folder");
+  if (const std::string fault = FaultOfGltfSkins(path); !fault.empty())
+    throw SceneError(path + ": " + fault);
   Assimp::Importer importer;
   importer.SetPropertyBool(AI_CONFIG_IMPORT_REMOVE_EMPTY_BONES, false);
   const aiScene* source = nullptr;

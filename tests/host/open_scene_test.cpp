@@ -452,6 +452,17 @@ TEST_F(OpenedScene, UnreadableFilesAreNamedWithTheReason) {
   }
 }
 
+TEST_F(OpenedScene, GltfSkinsNeedTheirInverseBindMatrices) {
+  std::string text = ContentOf(ORV_TEST_DATA "/skinned.gltf");
+  const std::string key = "inverseBindMatrices";
+  text.replace(text.find(key), key.size(), "extras");
+  for (const char* name : {"skinned.gltf", "SKINNED.GLTF"}) {
+    WriteContent(m_folder.File(name), text);
+    const std::string reason = ReasonFor(m_folder.File(name));
+    EXPECT_NE(reason.find("skin 0 has no inverse bind matrices"), std::string::npos) << reason;
+  }
+}
+
 TEST_F(OpenedScene, FacesThatNameMissingVerticesAreLeftOut) {
   Gltf file;
   const std::string positions = std::to_string(file.Floats("VEC3", {0, 0, 0, 1, 0, 0, 0, 1, 0}));
