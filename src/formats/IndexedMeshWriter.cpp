@@ -94,11 +94,12 @@ void WriteMaterial(std::ostream& out, GenericMaterial& material, bool useDefault
 void WriteGeometry(std::ostream& out, const IndexedMesh::Chunk& chunk, uint32_t maxInfluences) {
   const auto vertexCount = static_cast<uint32_t>(chunk.vertices.size());
   const auto triangleCount = static_cast<uint32_t>(chunk.triangles.size());
-  const bool hasTangents =
-      chunk.material.name.find(".tbump") != std::string::npos && !chunk.tangents.empty();
+  // Without vertices too: the flag is then set, and no tangent follows.
+  const bool hasTangents = chunk.material.name.find(".tbump") != std::string::npos &&
+                           chunk.tangents.size() == vertexCount;
   const GenericSkeleton::Node* bone = chunk.material.attachmentBone;
   assert(chunk.normals.size() == vertexCount && chunk.faceNormals.size() >= triangleCount);
-  assert(!hasTangents || chunk.tangents.size() == vertexCount);
+  assert(chunk.tangents.empty() || chunk.tangents.size() == vertexCount);
 
   ChunkScope geom(out, "GEOM", kGeometryVersion);
   WriteU32(out, chunk.word);

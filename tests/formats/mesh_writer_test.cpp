@@ -95,6 +95,18 @@ TEST(IndexedMeshWriter, TangentsNeedTheMaterialTypeAndTheArray) {
   EXPECT_EQ(geometry("a.m.onetex.tbump", tangents), expected);
 }
 
+TEST(IndexedMeshWriter, TangentFlagStandsWithoutVerticesToo) {
+  const std::pair<const char*, uint32_t> cases[] = {{"a.m.notex", 0}, {"a.m.notex.tbump", 1}};
+  for (const auto& [name, flags] : cases) {
+    ExIndexedMesh mesh;
+    mesh.chunks.emplace_back().material.name = name;
+    mesh.PrepareChunk(0, false);
+    const std::string geometry =
+        BytesOf([&](std::ostream& out) { WriteGeometry(out, mesh.chunks[0], 0); });
+    EXPECT_EQ(geometry, Chunk("GEOM", 201, Words({4, flags, 0, 0, 0, 0, 0, 0}) + Text(""))) << name;
+  }
+}
+
 // Degenerate triangles that were dropped leave surplus rows in the tables of the triangles.
 TEST(IndexedMeshWriter, SurplusRowsOfTheTriangleTablesAreLeftOut) {
   IndexedMesh::Chunk chunk = TriangleChunk();
