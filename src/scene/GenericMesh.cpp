@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <numeric>
 
 namespace orv {
 
@@ -106,7 +105,7 @@ void GenericMesh::RemoveUnusedMaterials() {
   }
   m_materials = std::move(kept);
   m_distinct.Truncate(0);
-  RenumberFaces(remap, 0);
+  RenumberFaces(remap, 0, 0);
 }
 
 void GenericMesh::MergeMaterials(bool ignoreColours) {
@@ -117,15 +116,18 @@ void GenericMesh::MergeMaterials(bool ignoreColours) {
 // The materials that m_distinct knows keep their places, so faces before firstFace need no look.
 void GenericMesh::MergeIntoDistinct(size_t firstFace) {
   const size_t distinct = m_distinct.size();
-  std::vector<int32_t> remap(m_materials.size());
-  std::iota(remap.begin(), remap.begin() + distinct, 0);
+  std::vector<int32_t> remap;  // of the materials behind those
   std::vector<size_t> survivors;
   for (size_t i = distinct; i < m_materials.size(); ++i) {
     // Folded materials stay candidates: the first equal one decides, wherever that one went.
     const auto equal = m_distinct.FindFirstEqual(m_materials[i], m_materials);
     m_distinct.Add(m_materials[i]);
-    remap[i] = equal ? remap[*equal] : static_cast<int32_t>(distinct + survivors.size());
-    if (!equal) survivors.push_back(i);
+    if (!equal) {
+      remap.push_back(static_cast<int32_t>(distinct + survivors.size()));
+      survivors.push_back(i);
+    } else {
+      remap.push_back(*equal < distinct ? static_cast<int32_t>(*equal) : remap[*equal - distinct]);
+    }
   }
   if (distinct + survivors.size() == m_materials.size()) return;
 
@@ -136,14 +138,15 @@ void GenericMesh::MergeIntoDistinct(size_t firstFace) {
     m_distinct.Add(place);
   }
   m_materials.resize(m_distinct.size());
-  RenumberFaces(remap, firstFace);
+  RenumberFaces(remap, distinct, firstFace);
 }
 
-// A face that names no material of the table keeps its number.
-void GenericMesh::RenumberFaces(std::span<const int32_t> remap, size_t firstFace) {
+// The table is of the materials from the first on; a face that names none of them keeps its number.
+void GenericMesh::RenumberFaces(std::span<const int32_t> remap, size_t firstMaterial,
+                                size_t firstFace) {
   for (size_t face = firstFace; face < m_faces.size(); ++face) {
-    const int32_t material = m_faces[face].material;
-    if (material >= 0 && material < Count(remap)) m_faces.SetMaterial(face, remap[material]);
+    const int32_t place = m_faces[face].material - static_cast<int32_t>(firstMaterial);
+    if (place >= 0 && place < Count(remap)) m_faces.SetMaterial(face, remap[place]);
   }
 }
 

@@ -81,7 +81,8 @@ class GenericMesh {
   void MergeMaterials(bool ignoreColours);
 
   // Adds the other's geometry and materials behind this one's, then merges materials; the time
-  // depends on the other alone, so between two appends leave the materials here as they are.
+  // depends on the other alone, so between two appends leave the materials here as they are. (Only
+  // a material with like maps among its own is held against all that are here.)
   // Influence, attachment points and skeleton stay as they are.
   void Append(const GenericMesh& other, bool ignoreColours);
 
@@ -109,7 +110,7 @@ class GenericMesh {
 
  private:
   void MergeIntoDistinct(size_t firstFace);
-  void RenumberFaces(std::span<const int32_t> remap, size_t firstFace);
+  void RenumberFaces(std::span<const int32_t> remap, size_t firstMaterial, size_t firstFace);
   void MoveIntoBoneSpace(const GenericSkeleton::Node& bone, float scale);
 
   MaterialIndex m_distinct{false};  // the materials the last merge left
