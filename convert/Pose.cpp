@@ -6,6 +6,9 @@ namespace orv::convert {
 
 namespace {
 
+// Metres. Sums of what is nearer still fit into a float.
+constexpr double kFarthest = 1e30;
+
 Rotation Product(const Rotation& a, const Rotation& b) {  // b first
   return {
       a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y, a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x,
@@ -43,8 +46,8 @@ Rotation FromRows(const std::array<Double3, 3>& m) {
 
 std::optional<Pose> MakePose(Vec3 position, const Rotation& zUp, double scale, bool mirrored) {
   const std::optional<Rotation> unit = Unit({zUp.x, zUp.z, -zUp.y, zUp.w});
-  if (!unit || !IsFinite(position)) return std::nullopt;
   const Vec3 p = YUp(position);
+  if (!unit || !(Length(p) * scale < kFarthest)) return std::nullopt;
   return Pose{*unit, {p.x * scale, p.y * scale, p.z * scale}, mirrored};
 }
 

@@ -31,8 +31,8 @@ struct Pose {
 Pose Compose(const Pose& parent, const Pose& local);
 Pose Inverse(const Pose& pose);
 
-// Nothing when a number is not finite or there is no direction in the rotation. scale: metres per
-// unit of the position.
+// Nothing when a number is not finite or too large, or there is no direction in the rotation.
+// scale: metres per unit of the position.
 std::optional<Pose> PoseFrom(Vec3 position, Quaternion rotation, double scale);
 std::optional<Pose> PoseFrom(Vec3 position, const Matrix33& rotation);
 

@@ -90,8 +90,7 @@ class SkinTree {
   // From the bone's own top bone down to it.
   std::pair<size_t, Pose> BelowTop(size_t bone) const {
     Pose pose = m_bones[bone].local;
-    bool isTop = m_bones[bone].parent < 0;
-    if (isTop) return {bone, Pose{}};
+    if (m_bones[bone].parent < 0) return {bone, Pose{}};
     size_t at = static_cast<size_t>(m_bones[bone].parent);
     while (m_bones[at].parent >= 0) {
       pose = Compose(m_bones[at].local, pose);
@@ -199,6 +198,7 @@ void JoinAnimation(const AnimationFile& animation, double metresPerUnit,
                    std::vector<SceneBone>& bones, Messages& messages) {
   BonesByName known(bones);
   const bool hadBones = !bones.empty();
+  size_t added = 0;
   std::vector<size_t> placeOfTrack;
   for (size_t track = 0; track < animation.bones.size(); ++track) {
     const BoneNode& node = animation.bones[track];
@@ -209,9 +209,7 @@ void JoinAnimation(const AnimationFile& animation, double metresPerUnit,
         const BonePose& first = animation.poses[track];
         rest = PoseFrom(first.position, first.rotation, metresPerUnit);
       }
-      if (hadBones) {
-        messages.notes.push_back("bone " + node.name + ": is in the animation only");
-      }
+      ++added;
       place = bones.size();
       bones.push_back({node.name, -1, rest.value_or(Pose{}), -1});
     }
@@ -219,6 +217,11 @@ void JoinAnimation(const AnimationFile& animation, double metresPerUnit,
     bones[*place].parent =
         node.parent < 0 ? -1 : static_cast<int32_t>(placeOfTrack[static_cast<size_t>(node.parent)]);
     placeOfTrack.push_back(*place);
+  }
+  if (hadBones && added > 0) {
+    messages.notes.push_back(std::to_string(added) + " of " +
+                             std::to_string(animation.bones.size()) +
+                             " bones are in the animation only");
   }
 }
 

@@ -1,0 +1,283 @@
+#include "convert/Convert.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+#include "TemporaryFolder.h"
+#include "formats/SampleMeshes.h"
+
+namespace orv::convert {
+namespace {
+
+constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
+constexpr float kHalf = 0.70710678f;
+
+using Numbers = std::vector<double>;
+
+// Row by row; columns are vectors, as glTF has it.
+using Matrix = std::array<std::array<double, 4>, 4>;
+
+Matrix operator*(const Matrix& a, const Matrix& b) {
+  Matrix product{};
+  for (int r = 0; r < 4; ++r)
+    for (int c = 0; c < 4; ++c)
+      for (int k = 0; k < 4; ++k) product[r][c] += a[r][k] * b[k][c];
+  return product;
+}
+
+Matrix MatrixOf(const Numbers& t, const Numbers& q) {
+  const double x = q[0], y = q[1], z = q[2], w = q[3];
+  return {{{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y), t[0]},
+           {2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x), t[1]},
+           {2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y), t[2]},
+           {0, 0, 0, 1}}};
+}
+
+void ExpectNear(const Numbers& numbers, const Numbers& expected) {
+  ASSERT_EQ(numbers.size(), expected.size());
+  for (size_t i = 0; i < numbers.size(); ++i) EXPECT_NEAR(numbers[i], expected[i], 1e-5) << i;
+}
+
+void ExpectNear(const Matrix& matrix, const Matrix& expected) {
+  for (int r = 0; r < 4; ++r)
+    for (int c = 0; c < 4; ++c) EXPECT_NEAR(matrix[r][c], expected[r][c], 1e-5) << r << ' ' << c;
+}
+
+struct Converted {
+  GlbDocument document;
+  Messages messages;
+
+  const Json& Node(const std::string& name) const {
+    for (const Json& node : document.Content()["nodes"])
+      if (node["name"] == name) return node;
+    throw std::runtime_error("no node " + name);
+  }
+  const Json& Attributes(size_t primitive = 0) const {
+    return document.Content()["meshes"][0]["primitives"][primitive]["attributes"];
+  }
+  Numbers Floats(const Json& accessor) const {
+    const Json& entry = document.Content()["accessors"][accessor.get<size_t>()];
+    const Json& view = document.Content()["bufferViews"][entry["bufferView"].get<size_t>()];
+    std::vector<float> values(view["byteLength"].get<size_t>() / 4);
+    std::memcpy(values.data(), document.Binary().data() + view["byteOffset"].get<size_t>(),
+                values.size() * 4);
+    return {values.begin(), values.end()};
+  }
+};
+
+Converted ConvertOf(const IndexedMeshFile& file, const AnimationFile* animation = nullptr,
+                    const std::string& folder = "/nowhere", double unit = 0.01) {
+  Converted result;
+  result.document = Convert({.mesh = file,
+                             .animation = animation,
+                             .name = "model",
+                             .textureFolder = folder,
+                             .metresPerUnit = unit},
+                            result.messages);
+  return result;
+}
+
+IndexedMeshFile FileOf(std::vector<IndexedMesh::Chunk> chunks) {
+  IndexedMeshFile file;
+  file.mesh.chunks = std::move(chunks);
+  file.chunks.resize(file.mesh.chunks.size());
+  return file;
+}
+
+// The hip is turned by a quarter about z and stands at 3 m; the knee is 1 m off along its x.
+AnimationFile TurnedLegs() {
+  AnimationFile animation;
+  animation.name = "walk";
+  animation.frameCount = 2;
+  animation.frameRate = 4;
+  animation.masterScale = 0.01f;
+  animation.bones = {{"b.hip", -1}, {"b.knee", 0}};
+  animation.poses = {{{0, 0, 300}, {}},
+                     {{100, 0, 300}, {}},
+                     {{0, 0, 300}, {0, 0, -kHalf, kHalf}},
+                     {{0, 100, 300}, {0, 0, -kHalf, kHalf}}};
+  animation.events = {{1, 0, "step"}};
+  return animation;
+}
+
+TEST(Convert, RigidPartsStandBelowTheirBonesInMetresWithYUp) {
+  IndexedMeshFile file = FileOf({TriangleChunk(), TriangleChunk()});
+  file.mesh.chunks[0].vertices[1] = {1, 2, 3, 0.25f, 0.75f};
+  file.chunks[0].boneName = "b.Arm";
+  file.bones = {{"b.root", -1}, {"b.arm", 0}};
+  file.bonePoses = {{{100, 200, 300}, {0, 0, -kHalf, kHalf}}, {{0, 0, 50}, {}}};
+  const Converted converted = ConvertOf(file);
+  const Json& root = converted.Node("b.root");
+  ExpectNear(root["translation"].get<Numbers>(), {1, 3, -2});
+  ExpectNear(root["rotation"].get<Numbers>(), {0, kHalf, 0, kHalf});
+  const Json& arm = converted.Node("b.arm");
+  ExpectNear(arm["translation"].get<Numbers>(), {0, 0.5, 0});
+  const size_t part = arm["children"][0].get<size_t>();
+  EXPECT_EQ(converted.document.Content()["nodes"][part]["name"], "model b.arm");
+  // The parts are in the order of their bones, those without one first.
+  const Json& attributes = converted.document.Content()["meshes"][1]["primitives"][0]["attributes"];
+  ExpectNear(converted.Floats(attributes["POSITION"]), {0, 0, 0, 1, 3, -2, 0, 0, -1});
+  ExpectNear(converted.Floats(attributes["TEXCOORD_0"]), {0, 1, 0.25, 0.75, 0, 0});
+  EXPECT_EQ(converted.messages.mended, std::vector<std::string>());
+}
+
+// A quarter turn about z for the hip, whose parent is not in the file; the knee is unturned.
+IndexedMeshFile SkinFile() {
+  IndexedMeshFile file = FileOf({TriangleChunk()});
+  GenericMeshInfluence& influence = AddChunkInfluence(file.mesh);
+  const Matrix33 turn{Vec3{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}};
+  influence.AddBone(std::make_unique<GenericBoneInfluence>("b.hip", "rig", Vec3{}, Matrix33{turn}));
+  influence.AddBone(std::make_unique<GenericBoneInfluence>(
+      "b.knee", "B.Hip", Vec3{1, 0, 0}, Matrix33{Vec3{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}));
+  // In the world the hip is at (0, 0, 3): p - (0, 0, 3), turned back.
+  influence.m_bones[0]->m_weights = {
+      {0, 1, {0, 0, -3}}, {1, 0.25f, {0, -1, -3}}, {2, 0.5f, {1, 0, -3}}};
+  influence.m_bones[1]->m_weights = {{1, 0.75f, {}}, {2, 0.5f, {}}};
+  return file;
+}
+
+TEST(Convert, SkinAtRestIsTheStoredPose) {
+  const AnimationFile animation = TurnedLegs();
+  const IndexedMeshFile file = SkinFile();
+  const Converted converted = ConvertOf(file, &animation);
+  const Json& hip = converted.Node("b.hip");
+  ExpectNear(hip["translation"].get<Numbers>(), {0, 3, 0});
+  ExpectNear(hip["rotation"].get<Numbers>(), {0, kHalf, 0, kHalf});
+  const Json& knee = converted.Node("b.knee");
+  const Matrix hipWorld = MatrixOf(hip["translation"], hip["rotation"]);
+  const Matrix world[] = {hipWorld, hipWorld * MatrixOf(knee["translation"], knee["rotation"])};
+  const Json& skin = converted.document.Content()["skins"][0];
+  EXPECT_EQ(skin["joints"], Json({0, 1}));
+  const Numbers inverse = converted.Floats(skin["inverseBindMatrices"]);
+  for (size_t joint = 0; joint < 2; ++joint) {
+    Matrix bind{};
+    for (size_t i = 0; i < 16; ++i) bind[i % 4][i / 4] = inverse[16 * joint + i];
+    ExpectNear(world[joint] * bind, MatrixOf({0, 0, 0}, {0, 0, 0, 1}));
+  }
+  ExpectNear(converted.Floats(converted.Attributes()["WEIGHTS_0"]),
+             {1, 0, 0, 0, 0.75, 0.25, 0, 0, 0.5, 0.5, 0, 0});
+  EXPECT_EQ(converted.messages.mended, std::vector<std::string>());
+}
+
+TEST(Convert, KeysAreRelativeToTheParent) {
+  const AnimationFile animation = TurnedLegs();
+  const IndexedMeshFile file = SkinFile();
+  const Converted converted = ConvertOf(file, &animation);
+  const Json& result = converted.document.Content()["animations"][0];
+  const auto keys = [&](size_t channel) {
+    return converted.Floats(result["samplers"][channel]["output"]);
+  };
+  EXPECT_EQ(result["channels"][2]["target"], Json({{"node", 1}, {"path", "translation"}}));
+  ExpectNear(converted.Floats(result["samplers"][0]["input"]), {0, 0.25});
+  ExpectNear(keys(0), {0, 3, 0, 0, 3, 0});
+  ExpectNear(keys(1), {0, 0, 0, 1, 0, kHalf, 0, kHalf});
+  ExpectNear(keys(2), {1, 0, 0, 1, 0, 0});
+  ExpectNear(keys(3), {0, 0, 0, 1, 0, 0, 0, 1});
+  EXPECT_EQ(result["extras"]["events"],
+            Json({{{"frame", 1}, {"time", 0.25}, {"type", "Sound_Event"}, {"name", "step"}}}));
+}
+
+struct DamageCase {
+  void (*damage)(IndexedMeshFile&);
+  const char* message;
+};
+
+TEST(Convert, WhatIsForbiddenIsMended) {
+  const DamageCase cases[] = {
+      {[](auto& file) { file.mesh.chunks[0].vertices[1].y = kNaN; },
+       "chunk 0: 1 positions that are not finite put at the origin"},
+      {[](auto& file) { file.mesh.chunks[0].vertices[1].u = kNaN; },
+       "chunk 0: 1 texture coordinates that are not finite put at 0"},
+      {[](auto& file) {
+         file.mesh.chunks[0].normals[0] = {0, 0, 2};
+       },
+       "chunk 0: 1 normals that were not of unit length made so"},
+      {[](auto& file) {
+         file.mesh.chunks[0].normals[0] = {kNaN, 0, 0};
+       },
+       "chunk 0: 1 normals that were not of unit length made so"},
+      {[](auto& file) {
+         file.mesh.chunks[0].triangles.push_back({1, 1, 2});
+       },
+       "chunk 0: 1 triangles with a vertex twice left out"},
+      {[](auto& file) {
+         file.mesh.influences[0]->m_bones[0]->m_weights.push_back({3, 1, {}});
+       },
+       "chunk 0: 1 weights of vertices that it lacks left out"},
+      {[](auto& file) {
+         file.mesh.influences[0]->m_bones[0]->m_weights.push_back({1, kNaN, {}});
+       },
+       "chunk 0: 1 weights below 0 or not finite left out"},
+      {[](auto& file) {
+         AddInfluence(*file.mesh.influences[0], "B.HIP", {{0, 0, {}}});
+       },
+       nullptr},
+      {[](auto& file) { file.mesh.influences[0]->m_bones[0]->m_weights[1].weight = 0.5f; },
+       "chunk 0: 1 vertices with weights that do not sum to 1, scaled"},
+      {[](auto& file) {
+         file.mesh.influences[0]->m_bones[0]->m_weights.erase(
+             file.mesh.influences[0]->m_bones[0]->m_weights.begin());
+       },
+       "chunk 0: 1 vertices follow no bone, bound to one that stands still"},
+      {[](auto& file) { file.mesh.influences[0]->m_bones[1]->m_rotation = {}; },
+       "bone b.knee: has no usable rotation or position, stands at its parent's"},
+      {[](auto& file) { file.mesh.influences[0]->m_bones[0]->m_parentName = "b.knee"; },
+       "bone b.hip: stands below itself, now below nothing"},
+      {[](auto& file) {
+         file.mesh.attachmentPoints = {{{}, {kNaN, 0, 0}, "hatch"}};
+       },
+       "attachment point hatch: has no usable rotation or position, stands at the origin"},
+  };
+  for (const DamageCase& damage : cases) {
+    IndexedMeshFile file = SkinFile();
+    damage.damage(file);
+    const Converted converted = ConvertOf(file);
+    std::vector<std::string> expected;
+    if (damage.message) expected.push_back(damage.message);
+    EXPECT_EQ(converted.messages.mended, expected);
+    const Json& attributes = converted.Attributes();
+    for (const char* name : {"POSITION", "NORMAL", "TEXCOORD_0", "WEIGHTS_0"})
+      for (const double value : converted.Floats(attributes[name])) EXPECT_TRUE(value == value);
+    const Numbers normals = converted.Floats(attributes["NORMAL"]);
+    for (size_t i = 0; i < normals.size(); i += 3)
+      EXPECT_NEAR(std::hypot(normals[i], normals[i + 1], normals[i + 2]), 1, 1e-5);
+    const Numbers weights = converted.Floats(attributes["WEIGHTS_0"]);
+    for (size_t i = 0; i < weights.size(); i += 4)
+      EXPECT_NEAR(weights[i] + weights[i + 1] + weights[i + 2] + weights[i + 3], 1, 1e-6);
+  }
+}
+
+// One blue, half transparent pixel.
+const std::string kTga =
+    std::string("\0\0\2\0\0\0\0\0\0\0\0\0\1\0\1\0\x20\x08", 18) + std::string("\xFF\0\0\x80", 4);
+
+TEST(Convert, TexturesAreFoundBesideTheModel) {
+  TemporaryFolder folder;
+  const std::string png = "\x89PNG\r\n\x1A\nnot looked into";
+  WriteContent(folder.File("Wall.texture.txt"), "Primary=WALL.png\nTile=s\n");
+  WriteContent(folder.File("wall.PNG"), png);
+  WriteContent(folder.File("pane-pane.texture.txt"), "Primary=pane.tga\nAlpha=pane.tga\n");
+  WriteContent(folder.File("pane.tga"), kTga);
+  IndexedMeshFile file = FileOf({TriangleChunk(), TriangleChunk(), TriangleChunk()});
+  const char* const names[] = {"/x/wall.texture", "/x/pane-pane.texture", "/x/gone.texture"};
+  for (size_t i = 0; i < 3; ++i)
+    file.mesh.chunks[i].material.maps = {{.channel = kDiffuse, .fileName = names[i], .amount = 1}};
+  const Converted converted = ConvertOf(file, nullptr, folder.File(""));
+  const Json& content = converted.document.Content();
+  ASSERT_EQ(content["images"].size(), 2u);
+  EXPECT_NE(converted.document.Binary().find(png), std::string::npos);
+  EXPECT_EQ(content["images"][1]["mimeType"], "image/png");
+  EXPECT_EQ(content["materials"][1]["alphaMode"], "BLEND");
+  EXPECT_FALSE(content["materials"][0].contains("alphaMode"));
+  EXPECT_EQ(content["samplers"][0], Json({{"wrapS", 10497}, {"wrapT", 33071}}));
+  EXPECT_EQ(converted.messages.mended,
+            std::vector<std::string>{
+                "gone.texture.txt: is not beside the model, its texture is left out"});
+}
+
+}  // namespace
+}  // namespace orv::convert
