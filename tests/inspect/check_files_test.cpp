@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <regex>
 
 #include "TemporaryFolder.h"
 #include "inspect/GoodFiles.h"
@@ -120,9 +119,10 @@ TEST(CheckFiles, ReadingBackTellsErrorsOfStructureOnly) {
 TEST(CheckCodes, TheDocumentationListsEveryCode) {
   std::ifstream in(ORV_DOCS "/inspecting.md");
   const std::string text{std::istreambuf_iterator<char>(in), {}};
-  const std::regex row(R"(\n\| `[a-z-]+` \| (error|warning|note) \| (structure|content) \|)");
-  const std::sregex_iterator first(text.begin(), text.end(), row), last;
-  EXPECT_EQ(static_cast<size_t>(std::distance(first, last)), AllCodes().size());
+  size_t rows = 0;
+  for (const char* aspect : {" | structure |", " | content |"})
+    for (size_t at = 0; (at = text.find(aspect, at)) != std::string::npos; ++at) ++rows;
+  EXPECT_EQ(rows, AllCodes().size());
   for (const CodeInfo& code : AllCodes()) {
     EXPECT_EQ(&InfoOf(code.code), &code);
     EXPECT_NE(text.find("\n| `" + std::string(code.name) + "` | " + NameOf(code.level) + " | " +
