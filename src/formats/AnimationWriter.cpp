@@ -52,10 +52,7 @@ bool WriteAnimationFile(const std::string& fileName, GenericSkeleton& skeleton,
                         const AnimationHeader& header, ExportUserInterface& ui) {
   binofstream out(fileName);
   if (out) WriteAnimation(out, skeleton, header);
-  if (out.Commit()) return true;
-  ui.LogError("Geometry Exporter reported error code '%d'", kCannotWriteFile);
-  ui.LogInfo("Could not write %s: %s", fileName.c_str(), out.FailureReason().c_str());
-  return false;
+  return CommitOrReport(out, ui);
 }
 
 }  // namespace orv

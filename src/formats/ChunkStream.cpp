@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "platform/Platform.h"
+#include "report/ExportUserInterface.h"
 
 namespace orv {
 
@@ -20,6 +21,13 @@ void PatchU32(std::ostream& out, std::streamoff offset, uint32_t value) {
 
 binifstream::binifstream(const std::string& fileName)
     : std::ifstream(platform::NativePath(fileName), std::ios::binary) {}
+
+bool CommitOrReport(binofstream& out, ExportUserInterface& ui) {
+  if (out.Commit()) return true;
+  ui.LogError("Geometry Exporter reported error code '%d'", kCannotWriteFile);
+  ui.LogInfo("Could not write %s: %s", out.FileName().c_str(), out.FailureReason().c_str());
+  return false;
+}
 
 void WriteTag(std::ostream& out, const char (&tag)[5]) { out.write(tag, 4); }
 

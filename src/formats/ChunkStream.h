@@ -15,6 +15,8 @@
 // that follows in it, a version and a body. Every number is little-endian.
 namespace orv {
 
+class ExportUserInterface;
+
 // An output file in binary mode. The target changes when Commit is called, and only then.
 class binofstream : public ReplacingFile {
  public:
@@ -29,6 +31,10 @@ class binifstream : public std::ifstream {
 
 // The error code that the user is told when a file could not be written.
 inline constexpr int kCannotWriteFile = 16;
+
+// Commits the file. False, with the error and then the system's reason logged, when it could not be
+// written; the file that was there is still there.
+bool CommitOrReport(binofstream& out, ExportUserInterface& ui);
 
 void WriteTag(std::ostream& out, const char (&tag)[5]);
 void WriteU32(std::ostream& out, uint32_t value);

@@ -166,9 +166,7 @@ bool WriteIndexedMeshFile(ExIndexedMesh& mesh, const std::string& fileName,
                           const MeshWriteSettings& settings, ExportUserInterface& ui) {
   binofstream out(fileName);
   if (out) WriteIndexedMesh(out, mesh, FolderOf(fileName), settings, ui);
-  if (out.Commit()) return true;
-  ui.LogInfo("Could not write %s: %s", fileName.c_str(), out.FailureReason().c_str());
-  return false;
+  return CommitOrReport(out, ui);
 }
 
 }  // namespace orv

@@ -22,8 +22,9 @@ struct MeshWriteSettings {
 };
 
 // Writes the mesh, and the texture side files beside it. Each chunk is prepared just before it is
-// written; the materials' map names become the engine's. False when the file could not be written:
-// the system's reason is then logged, and the file that was there is still there.
+// written; the materials' map names become the engine's. False, with the
+// error and the system's reason logged, when the file could not be written; the file that was there
+// is still there.
 bool WriteIndexedMeshFile(ExIndexedMesh& mesh, const std::string& fileName,
                           const MeshWriteSettings& settings, ExportUserInterface& ui);
 

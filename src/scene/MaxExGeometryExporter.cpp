@@ -4,7 +4,6 @@
 #include <span>
 #include <utility>
 
-#include "formats/ChunkStream.h"
 #include "formats/IndexedMeshWriter.h"
 #include "meshproc/ExIndexedMesh.h"
 #include "options/Options.h"
@@ -95,9 +94,7 @@ bool WriteIndexedMesh(ExIndexedMesh& indexed, const char* outputFileName, bool o
                                    .allowBillboards = true,
                                    .askOverwrite = askOverwrite,
                                    .forceOverwrite = forceOverwrite};
-  if (WriteIndexedMeshFile(indexed, outputFileName, settings, ui)) return true;
-  ui.LogError("Geometry Exporter reported error code '%d'", kCannotWriteFile);
-  return false;
+  return WriteIndexedMeshFile(indexed, outputFileName, settings, ui);
 }
 
 }  // namespace

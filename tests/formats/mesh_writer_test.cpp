@@ -253,11 +253,12 @@ TEST_F(IndexedMeshFileOutput, StandsWithItsSideFilesInOneFolder) {
   EXPECT_EQ(folder.Count(), 2u);
 }
 
-TEST_F(IndexedMeshFileOutput, FailureIsToldWithTheSystemsReason) {
+TEST_F(IndexedMeshFileOutput, FailureIsToldWithCodeAndReason) {
   const std::string path = folder.File("missing/a.im");
   EXPECT_FALSE(Write(path));
-  EXPECT_EQ(ui.log, std::vector<std::string>{"info: Could not write " + path + ": " +
-                                             platform::WhyNotWritable(path)});
+  EXPECT_EQ(ui.log, (std::vector<std::string>{
+                        "error: Geometry Exporter reported error code '16'",
+                        "info: Could not write " + path + ": " + platform::WhyNotWritable(path)}));
   EXPECT_EQ(folder.Count(), 0u);
 }
 
