@@ -56,56 +56,6 @@ std::vector<uint32_t> Moved(const ExIndexedMesh& mesh, size_t chunk, size_t bone
   return vertices;
 }
 
-TEST(ChunkBuilding, StagesReportInOrder) {
-  GenericMesh mesh = Quad({Material("a"), Material("b")});
-  RecordingUserInterface plain;
-  Built(mesh, plain);
-  EXPECT_EQ(plain.stages, (Lines{"Building chunks", "Optimizing chunks"}));
-  EXPECT_EQ(plain.progress, (std::vector<float>{0, 0.5f, 0, 0.5f}));
-
-  GenericMeshInfluence influence;
-  influence.AddBone(Bone("b.a", {}));
-  mesh.m_influence = &influence;
-  RecordingUserInterface full;
-  Built(mesh, full, {}, true);
-  EXPECT_EQ(full.stages, (Lines{"Building chunks", "Optimizing chunks", "Building neighbour info",
-                                "Building neighbor array", "Building neighbor array",
-                                "Extracting mesh influence"}));
-  EXPECT_EQ(full.progress, (std::vector<float>{0, 0.5f, 0, 0.5f, 0, 0.5f, 0, 0.5f}));
-  EXPECT_EQ(full.log, Lines());
-}
-
-TEST(ChunkBuilding, MeshWithoutBonesIsNotSkinned) {
-  GenericMesh mesh = Quad({Material("a")});
-  const GenericMeshInfluence empty;
-  mesh.m_influence = &empty;
-  EXPECT_TRUE(Built(mesh).influences.empty());
-}
-
-TEST(ChunkBuilding, EveryMaterialHasAChunk) {
-  GenericMesh mesh = Quad({Material("a"), Material("b"), Material("c")});
-  AddFace(mesh, 2, {0, 1, 2});
-  const ExIndexedMesh built = Built(mesh);
-  ASSERT_EQ(built.chunks.size(), 3u);
-  EXPECT_EQ(built.chunks[0].material.name, "a");
-  EXPECT_EQ(built.chunks[0].triangles, (std::vector<Triangle>{{0, 1, 2}, {0, 2, 3}}));
-  EXPECT_FLOAT_EQ(built.chunks[0].surfaceArea, 1);
-  EXPECT_TRUE(built.chunks[1].vertices.empty() && built.chunks[1].triangles.empty());
-  EXPECT_EQ(built.chunks[2].triangles.size(), 1u);
-  EXPECT_EQ(built.TotalVertexCount(), 7u);
-  EXPECT_EQ(built.TotalTriangleCount(), 3u);
-}
-
-TEST(ChunkBuilding, TakesAttachmentsAndSkeletonAlong) {
-  GenericMesh mesh = Quad({Material("a")});
-  GenericSkeleton skeleton;
-  mesh.m_skeleton = &skeleton;
-  mesh.m_attachmentPoints.resize(2);
-  const ExIndexedMesh built = Built(mesh);
-  EXPECT_EQ(built.skeleton, &skeleton);
-  EXPECT_EQ(built.attachmentPoints.size(), 2u);
-}
-
 TEST(ChunkBuilding, FacesThatNameNothingAreLeftOut) {
   GenericMesh mesh = Quad({Material("a")});
   AddFace(mesh, 1, {0, 1, 2});  // no such material
@@ -114,16 +64,6 @@ TEST(ChunkBuilding, FacesThatNameNothingAreLeftOut) {
   AddFace(mesh, 0, {0, 1});
   mesh.m_faces.Add(0, std::array<FaceCorner, 3>{{{0, 9, 0}, {1, 1, 1}, {2, 2, 2}}});
   EXPECT_EQ(Built(mesh).TotalTriangleCount(), 2u);
-}
-
-TEST(ChunkBuilding, MissingTextureCoordinatesAreZero) {
-  GenericMesh mesh = Quad({Material("a")});
-  mesh.m_texCoords.clear();
-  const ExIndexedMesh built = Built(mesh);
-  for (const IndexedVertex& vertex : built.chunks[0].vertices) {
-    EXPECT_EQ(vertex.u, 0);
-    EXPECT_EQ(vertex.v, 0);
-  }
 }
 
 TEST(ChunkBuilding, DegenerateTrianglesLeaveTheirRows) {
@@ -151,17 +91,6 @@ TEST(ChunkBuilding, IndexBeyond16BitsFails) {
   EXPECT_TRUE(built.BuildChunks(Loose(21845), false, false, ui, {100000, 100000, 16}));
 }
 
-TEST(ChunkWelding, OneBitOfOneValueKeepsCornersApart) {
-  GenericMesh mesh = Quad({Material("a")});
-  mesh.m_positions.push_back(mesh.m_positions[0]);
-  mesh.m_normals.push_back(mesh.m_normals[0]);
-  mesh.m_texCoords.push_back({-0.0f, 0});
-  AddFace(mesh, 0, {4, 1, 2});
-  EXPECT_EQ(Built(mesh).TotalVertexCount(), 4u);
-  mesh.m_texCoords.back().u = std::nextafter(0.0f, 1.0f);
-  EXPECT_EQ(Built(mesh).TotalVertexCount(), 5u);
-}
-
 TEST(ChunkWelding, LastCornerGivesTheBoneWeights) {
   GenericMesh mesh = Quad({Material("a")});
   mesh.m_positions.push_back(mesh.m_positions[0]);  // 4 is where 0 is, with another bone
@@ -178,63 +107,11 @@ TEST(ChunkWelding, LastCornerGivesTheBoneWeights) {
   EXPECT_EQ(Moved(built, 0, 1), (std::vector<uint32_t>{0, 3}));
 }
 
-TEST(ChunkSplitting, LimitsAreReachedBeforeAChunkIsSplit) {
-  struct Case {
-    uint32_t triangles;
-    MeshLimits limits;
-    std::vector<size_t> pieces;  // their triangles
-  };
-  const Case cases[] = {
-      {10666, {}, {10666}},      {10667, {}, {10666, 1}},      {25000, {}, {10666, 10666, 3668}},
-      {2, {6, 99, 16}, {2}},     {3, {6, 99, 16}, {2, 1}},     {3, {8, 99, 16}, {2, 1}},
-      {4, {32000, 12, 16}, {4}}, {5, {32000, 12, 16}, {4, 1}},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.triangles);
-    RecordingUserInterface ui;
-    const ExIndexedMesh built = Built(Loose(c.triangles), ui, c.limits);
-    std::vector<size_t> pieces;
-    for (const auto& chunk : built.chunks) pieces.push_back(chunk.triangles.size());
-    EXPECT_EQ(pieces, c.pieces);
-    const Lines warning = {"warning: Mesh limits exceeded, 1 chunks split into " +
-                           std::to_string(c.pieces.size()) + " chunks."};
-    EXPECT_EQ(ui.log, c.pieces.size() > 1 ? warning : Lines());
-  }
-}
-
-TEST(ChunkSplitting, IndicesSplitHoweverFewTheVertices) {
-  GenericMesh mesh = Quad({Material("a")});
-  for (int i = 0; i < 10665; ++i) AddFace(mesh, 0, {0, 1, 2});
-  const ExIndexedMesh built = Built(mesh);
-  ASSERT_EQ(built.chunks.size(), 2u);
-  EXPECT_EQ(built.chunks[0].vertices.size(), 4u);
-  EXPECT_EQ(built.chunks[1].vertices.size(), 3u);
-}
-
-TEST(ChunkSplitting, PiecesFollowTheChunksThatAreKept) {
-  GenericMesh mesh = Loose(4);
-  mesh.m_materials = {Material("split"), Material("kept")};
-  mesh.m_faces.SetMaterial(3, 1);
-  const ExIndexedMesh built = Built(mesh, {6, 99, 16});
-  Lines names;
-  for (const auto& chunk : built.chunks) names.push_back(chunk.material.name);
-  EXPECT_EQ(names, (Lines{"kept", "split", "split"}));
-}
-
-// Bones count once for each corner they move when a piece is asked, and once when they are in it.
-TEST(ChunkSplitting, TrianglesWithTooManyBoneUsesAreDropped) {
-  GenericMesh mesh = Loose(3);
-  GenericMeshInfluence influence;
-  for (int i = 0; i < 5; ++i) influence.AddBone(Bone("b." + std::to_string(i), {0, 1, 2}));
-  mesh.m_influence = &influence;
-  const MeshLimits limits{99, 6, 16};  // so that three triangles are split
-  EXPECT_EQ(Built(mesh, limits).TotalTriangleCount(), 3u);
-
-  influence.AddBone(Bone("b.5", {0, 1, 2}));
-  const ExIndexedMesh built = Built(mesh, limits);
-  EXPECT_EQ(built.TotalTriangleCount(), 2u);
-  ASSERT_EQ(built.chunks.size(), 1u);  // the piece that was opened in vain took the others
-  EXPECT_EQ(built.influences[0]->m_bones.size(), 6u);
+TEST(ChunkSplitting, DefaultLimitIs32000Indices) {
+  RecordingUserInterface ui;
+  EXPECT_EQ(Built(Loose(10666), ui).chunks.size(), 1u);
+  EXPECT_EQ(Built(Loose(10667), ui).chunks.size(), 2u);
+  EXPECT_EQ(ui.log, Lines{"warning: Mesh limits exceeded, 1 chunks split into 2 chunks."});
 }
 
 // The bones move the triangle of positions 0 to 2, but it is the other one, of chunk vertices 0 to

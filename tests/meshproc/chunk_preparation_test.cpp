@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <cmath>
-
 #include "ExpectConsistent.h"
 #include "meshproc/ExIndexedMesh.h"
 
@@ -33,59 +30,18 @@ const std::vector<VertexWeight>& Weights(const ExIndexedMesh& mesh) {
   return mesh.influences[0]->m_bones[0]->m_weights;
 }
 
-// The x of each corner, triangle by triangle: names the vertices as OneChunk numbered them.
-std::vector<std::vector<float>> Corners(const IndexedMesh::Chunk& chunk) {
-  std::vector<std::vector<float>> corners;
-  for (const Triangle& triangle : chunk.triangles) {
-    auto& row = corners.emplace_back();
-    for (const uint16_t index : triangle) row.push_back(chunk.vertices[index].x);
-  }
-  std::sort(corners.begin(), corners.end());
-  return corners;
-}
-
-TEST(ChunkPreparation, MaterialAndFlagDecideWhatIsDone) {
-  struct Case {
-    std::string material;
-    bool optimise, tangents, newOrder;
-  };
-  const Case cases[] = {{"rock", false, false, false},
-                        {"rock", true, false, true},
-                        {"rock.m.gloss.tbump", false, true, true},
-                        {"rock.tbump.x", true, true, true}};
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.material);
-    ExIndexedMesh mesh = OneChunk(c.material, 3, {{2, 0, 1}});
-    mesh.PrepareChunk(0, c.optimise);
-    const IndexedMesh::Chunk& chunk = mesh.chunks[0];
-    ExpectConsistent(mesh);
-    EXPECT_EQ(chunk.tangents.size(), c.tangents ? 3u : 0u);
-    EXPECT_EQ(chunk.triangles[0], (c.newOrder ? Triangle{0, 1, 2} : Triangle{2, 0, 1}));
-    EXPECT_EQ(chunk.faceNormals[0], (c.newOrder ? Vec3{0, 0, 1} : Vec3{}));
-  }
-}
-
 TEST(ChunkIndexOrder, EveryArrayFollowsTheVertices) {
   ExIndexedMesh mesh = OneChunk("a", 6, {{5, 4, 3}, {0, 2, 1}, {3, 2, 5}, {1, 3, 2}});
   mesh.chunks[0].tangents.resize(6);
   for (size_t i = 0; i < 6; ++i) mesh.chunks[0].tangents[i].x = static_cast<float>(i);
-  const auto corners = Corners(mesh.chunks[0]);
   mesh.PrepareChunk(0, true);
   const IndexedMesh::Chunk& chunk = mesh.chunks[0];
   ExpectConsistent(mesh);
-  EXPECT_EQ(Corners(chunk), corners);
   for (size_t i = 0; i < 6; ++i) {
     EXPECT_EQ(chunk.normals[i].y, chunk.vertices[i].x);
     EXPECT_EQ(chunk.tangents[i].x, chunk.vertices[i].x);
     EXPECT_EQ(chunk.vertices[i].v, chunk.vertices[i].y);
     EXPECT_EQ(chunk.vertices[Weights(mesh)[i].vertex].x, Weights(mesh)[i].weight);
-  }
-  int largest = -1;
-  for (const Triangle& triangle : chunk.triangles) {
-    for (const uint16_t index : triangle) {
-      EXPECT_LE(index, largest + 1);
-      largest = std::max<int>(largest, index);
-    }
   }
 }
 
@@ -112,16 +68,6 @@ TEST(ChunkIndexOrder, ChunksWithDegenerateOrRepeatedTrianglesStay) {
     EXPECT_EQ(Weights(mesh)[0].vertex == 0, !rotated);
     EXPECT_EQ(mesh.chunks[0].faceNormals.size(), triangles.size());
   }
-}
-
-TEST(ChunkPreparation, FlatTrianglesGetAFaceNormal) {
-  ExIndexedMesh mesh = OneChunk("a", 4, {{0, 1, 2}, {1, 2, 3}});
-  mesh.chunks[0].vertices[3] = mesh.chunks[0].vertices[2];
-  mesh.chunks[0].vertices[0].z = 1;
-  mesh.PrepareChunk(0, true);
-  const auto& normals = mesh.chunks[0].faceNormals;
-  EXPECT_EQ(std::count(normals.begin(), normals.end(), Vec3{0, 0, 1}), 1);
-  for (const Vec3& normal : normals) EXPECT_FLOAT_EQ(Length(normal), 1);
 }
 
 TEST(ChunkTangents, FallbackLiesAcrossTheNormal) {

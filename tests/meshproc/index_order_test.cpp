@@ -76,26 +76,6 @@ Indices Shuffled(const Indices& indices, uint32_t seed) {
   return shuffled;
 }
 
-TEST(IndexOrder, KeepsTheTrianglesOfSmallLists) {
-  const std::vector<Indices> cases = {
-      {},
-      {0, 1, 2},
-      {2, 0, 1},
-      {5, 5, 5},
-      {1, 1, 2},
-      {65535, 0, 65534},
-      {0, 1, 2, 3, 4, 5},                             // two pieces
-      {0, 1, 2, 0, 1, 2},                             // a repetition
-      {0, 1, 2, 1, 2, 0, 2, 0, 1, 0, 2, 1},           // rotated and turned over: all kept
-      {0, 1, 2, 0, 1, 3, 0, 1, 4, 1, 0, 5, 0, 1, 6},  // five on an edge
-      {0, 1, 1, 0, 1, 2, 1, 1, 1, 0, 1, 1, 0, 1, 2},  // degenerate ones between
-  };
-  for (const Indices& input : cases) {
-    SCOPED_TRACE(testing::PrintToString(input));
-    ExpectSameTriangles(input);
-  }
-}
-
 TEST(IndexOrder, KeepsTheTrianglesOfRandomLists) {
   std::mt19937 random(7);
   for (int round = 0; round < 400; ++round) {
@@ -103,34 +83,8 @@ TEST(IndexOrder, KeepsTheTrianglesOfRandomLists) {
     // Few vertices give repetitions, degenerate triangles and crowded edges; many give loose ones.
     const uint32_t vertexCount = 1 + random() % (round % 40 == 0 ? 65536 : 40);
     const uint32_t spread = round % 40 == 1 ? 65535 / vertexCount : 1;
-    Indices input(3 * (random() % 300));
+    Indices input(3 * (random() % (round % 40 == 2 ? 5000 : 300)));
     for (uint16_t& index : input) index = static_cast<uint16_t>(random() % vertexCount * spread);
-    ExpectSameTriangles(input);
-  }
-}
-
-// More triangles at every vertex than a step takes at once.
-TEST(IndexOrder, KeepsTheTrianglesOfCrowdedLists) {
-  std::mt19937 random(5);
-  for (const uint32_t vertexCount : {4, 12, 20}) {
-    SCOPED_TRACE(vertexCount);
-    Indices input(3 * 5000);
-    for (uint16_t& index : input) index = static_cast<uint16_t>(random() % vertexCount);
-    ExpectSameTriangles(input);
-  }
-}
-
-TEST(IndexOrder, KeepsTheTrianglesOfDamagedGrids) {
-  std::mt19937 random(11);
-  for (int round = 0; round < 60; ++round) {
-    SCOPED_TRACE(round);
-    const int columns = 1 + random() % 30;
-    const int rows = 1 + random() % 30;
-    Indices input = Shuffled(Grid(columns, rows), round);
-    for (int i = random() % 8; i > 0; --i) {
-      const size_t damaged = random() % input.size();
-      input[damaged] = static_cast<uint16_t>(random() % 40);
-    }
     ExpectSameTriangles(input);
   }
 }
@@ -163,17 +117,6 @@ TEST(IndexOrder, NumbersVerticesInOrderOfFirstUse) {
   const std::vector<uint32_t> expected = {2, kNone, 0, 3, kNone, 1};
   EXPECT_EQ(RemapInOrderOfFirstUse(Indices{2, 5, 0, 0, 5, 3}, 6), expected);
   EXPECT_EQ(RemapInOrderOfFirstUse(Indices{}, 2), std::vector<uint32_t>(2, kNone));
-}
-
-TEST(IndexOrder, EachNewNumberIsAtMostOneHigher) {
-  const Indices order = OptimizeTriangleOrder(Shuffled(Grid(20, 13), 2));
-  const std::vector<uint32_t> newNumbers = RemapInOrderOfFirstUse(order, 21 * 14);
-  uint32_t next = 0;
-  for (const uint16_t index : order) {
-    ASSERT_LE(newNumbers[index], next);
-    if (newNumbers[index] == next) ++next;
-  }
-  EXPECT_EQ(next, 21u * 14u);
 }
 
 }  // namespace
