@@ -143,28 +143,6 @@ TEST(XmlParser, Messages) {
   }
 }
 
-TEST(XmlParser, References) {
-  const struct {
-    const char* escaped;
-    const char* text;
-  } cases[] = {
-      {"&#x41;&#65;", "AA"},
-      {"&#xc3;&#xA9;", "\xC3\xA9"},
-      {"&#255;", "\xFF"},
-      {"&amp;lt;", "&lt;"},
-      {"&apos;&amp;&gt;&lt;&quot;", "'&><\""},
-      {"a&#0;b", "a"},  // texts end at a zero byte
-  };
-  for (const auto& [escaped, text] : cases) {
-    MXMLDocument document;
-    const std::string quoted = escaped;
-    ASSERT_TRUE(ParseText(document, "<a b=\"" + quoted + "\">" + quoted + "</a>")) << escaped;
-    const MXMLElement* element = document.Top().FindElement("a");
-    EXPECT_STREQ(element->GetText(), text) << escaped;
-    EXPECT_STREQ(element->Attribute("b"), text) << escaped;
-  }
-}
-
 TEST(XmlParser, FailureLeavesTheTreeAndSuccessReplacesIt) {
   MXMLDocument document;
   ASSERT_TRUE(ParseText(document, "<old/>"));
@@ -197,16 +175,14 @@ TEST(XmlParser, DamagedTexts) {
   EXPECT_GT(refused, text.size());
 }
 
-TEST(XmlParser, DepthAndWidthWithoutLimit) {
+TEST(XmlParser, DepthWithoutLimit) {
   constexpr size_t kCount = 100'000;
-  std::string deep, closing, wide = "<r";
+  std::string deep, closing;
   for (size_t i = 0; i < kCount; ++i) {
     deep += "<a>";
     closing += "</a>";
-    wide += " a" + std::to_string(i) + "=\"\"";
   }
   deep += "x" + closing;
-  wide += " a0=\"again\"/>";
 
   MXMLDocument document;
   ASSERT_TRUE(ParseText(document, deep));
@@ -216,11 +192,6 @@ TEST(XmlParser, DepthAndWidthWithoutLimit) {
   copy.Top().CopyFrom(document.Top());
   EXPECT_EQ(WrittenBy(copy), deep);
   EXPECT_EQ(ErrorOf(deep.substr(0, 3 * kCount)), "expecting element line 1, col 300001");
-
-  ASSERT_TRUE(ParseText(document, wide));
-  const MXMLElement* root = document.Top().FindElement("r");
-  EXPECT_EQ(root->Attributes().size(), kCount);
-  EXPECT_STREQ(root->Attributes()[0].value, "again");
 }
 
 }  // namespace
