@@ -39,44 +39,6 @@ class Posix : public testing::Test {
   std::string m_folder;
 };
 
-TEST_F(Posix, StringTable) {
-  EXPECT_EQ(platform::ResourceString(platform::kStringAuthor), "DUNMERE");
-  EXPECT_EQ(platform::ResourceString(16), "Ignoring mesh - no faces for mesh:");
-  EXPECT_EQ(platform::ResourceString(9), " ");
-  for (unsigned absent : {0u, 3u, 12u, 19u, 24u, 31u, 38u, 65536u + 1u}) {
-    EXPECT_EQ(platform::ResourceString(absent), "") << absent;
-  }
-}
-
-TEST_F(Posix, SettingsFolder) {
-  const struct {
-    const char* config;
-    const char* home;
-    std::optional<std::string> expected;
-  } cases[] = {
-      {"/x/cfg", "/home/u", "/x/cfg"},       {nullptr, "/home/u", "/home/u/.config"},
-      {"", "/home/u", "/home/u/.config"},    {"relative", "/home/u", "/home/u/.config"},
-      {nullptr, nullptr, std::nullopt},      {nullptr, "", std::nullopt},
-      {"/h\xC3\xA9", nullptr, "/h\xC3\xA9"},
-  };
-  const auto set = [](const char* name, const char* value) {
-    if (value) {
-      setenv(name, value, 1);
-    } else {
-      unsetenv(name);
-    }
-  };
-  const char* const home = getenv("HOME");
-  const std::string homeBefore = home ? home : "";
-  for (const auto& c : cases) {
-    set("XDG_CONFIG_HOME", c.config);
-    set("HOME", c.home);
-    EXPECT_EQ(platform::ApplicationDataFolder(), c.expected);
-  }
-  set("XDG_CONFIG_HOME", nullptr);
-  set("HOME", homeBefore.c_str());
-}
-
 TEST_F(Posix, BackslashesNameFolders) {
   platform::CreateFolders(m_folder + "\\a\\b\xC3\xA9");
   Put("a/b\xC3\xA9/c", "x");
@@ -86,10 +48,6 @@ TEST_F(Posix, BackslashesNameFolders) {
   EXPECT_FALSE(platform::IsSameFile(PathOf("a"), PathOf("new")));
   EXPECT_TRUE(platform::RemoveFile(m_folder + "\\a\\b\xC3\xA9\\c"));
   EXPECT_FALSE(platform::RemoveFile(m_folder + "\\a")) << "a folder is no file";
-}
-
-TEST_F(Posix, HostIsThisProgram) {
-  EXPECT_TRUE(platform::IsSameFile(platform::HostExecutablePath(), "/proc/self/exe"));
 }
 
 TEST_F(Posix, CopyOneFile) {
@@ -121,22 +79,6 @@ TEST_F(Posix, WhyNotWritableLeavesNoTrace) {
   EXPECT_EQ(Get("kept"), "bytes");
   EXPECT_EQ(FileCount(), 3u);
   EXPECT_TRUE(fs::is_symlink(PathOf("dangling")));
-}
-
-TEST_F(Posix, ReplaceFile) {
-  const std::string target = Put("target", "old");
-  fs::permissions(target, fs::perms(0640));
-  fs::create_symlink("target", PathOf("link"));
-  EXPECT_TRUE(platform::ReplaceFile(Put("temporary", "new"), PathOf("link")));
-  EXPECT_EQ(Get("target"), "new");
-  EXPECT_TRUE(fs::is_symlink(PathOf("link")));
-  EXPECT_EQ(fs::status(target).permissions(), fs::perms(0640));
-  EXPECT_FALSE(fs::exists(PathOf("temporary")));
-
-  const std::string again = Put("temporary", "newer");
-  EXPECT_FALSE(platform::ReplaceFile(again, "/dev/null"));
-  EXPECT_FALSE(platform::ReplaceFile(again, m_folder));
-  EXPECT_EQ(Get("temporary"), "newer");
 }
 
 }  // namespace

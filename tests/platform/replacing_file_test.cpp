@@ -29,14 +29,6 @@ TEST_F(ReplacingFileTest, TargetChangesAtTheCommit) {
   EXPECT_EQ(folder.Count(), 1u);
 }
 
-TEST_F(ReplacingFileTest, WithoutCommitNothingHappens) {
-  WriteContent(target, "old");
-  ReplacingFile(target, std::ios::binary) << "new";
-  ReplacingFile(folder.File("b.im"), std::ios::binary) << "new";
-  EXPECT_EQ(ContentOf(target), "old");
-  EXPECT_EQ(folder.Count(), 1u);
-}
-
 TEST_F(ReplacingFileTest, FailedStreamLeavesTheTarget) {
   WriteContent(target, "old");
   ReplacingFile out(target, std::ios::binary);
@@ -46,26 +38,6 @@ TEST_F(ReplacingFileTest, FailedStreamLeavesTheTarget) {
   EXPECT_NE(out.FailureReason(), "");
   EXPECT_EQ(ContentOf(target), "old");
   EXPECT_EQ(folder.Count(), 1u);
-}
-
-TEST_F(ReplacingFileTest, MissingFolderAndFolderAsTargetFailAtOnce) {
-  ReplacingFile missing(folder.File("no/a.im"), std::ios::binary);
-  EXPECT_TRUE(missing.fail());
-  EXPECT_FALSE(missing.Commit());
-  EXPECT_EQ(missing.FailureReason(), platform::WhyNotWritable(folder.File("no/a.im")));
-  ReplacingFile taken(folder.File(""), std::ios::binary);
-  EXPECT_FALSE(taken.Commit());
-  EXPECT_NE(taken.FailureReason(), "");
-}
-
-TEST_F(ReplacingFileTest, ReadOnlyTargetStays) {
-  WriteContent(target, "old");
-  fs::permissions(target, fs::perms::owner_read);
-  if (std::ofstream(target, std::ios::app)) GTEST_SKIP() << "this user may write every file";
-  ReplacingFile out(target, std::ios::binary);
-  EXPECT_FALSE(out.Commit());
-  EXPECT_EQ(out.FailureReason(), platform::WhyNotWritable(target));
-  EXPECT_EQ(ContentOf(target), "old");
 }
 
 TEST_F(ReplacingFileTest, FullDeviceIsToldWithTheSystemsReason) {
