@@ -5,7 +5,6 @@
 #include <random>
 
 #include "FileBytes.h"
-#include "TemporaryFolder.h"
 
 namespace orv {
 namespace {
@@ -34,28 +33,6 @@ std::string Refusal(const std::string& bytes) {
   AnimationFile file;
   ReadProblem problem;
   return ReadAnimation(bytes, file, problem) ? "accepted" : problem.Message();
-}
-
-TEST(AnimationReader, EveryFieldIsRead) {
-  TemporaryFolder folder;
-  WriteContent(folder.File("a.kin"), AnimationParts().Bytes());
-  AnimationFile file;
-  ReadProblem problem;
-  ASSERT_TRUE(ReadAnimationFile(folder.File("a.kin"), file, problem)) << problem.Message();
-  EXPECT_EQ(file.name, "walk");
-  EXPECT_EQ(file.frameCount, 2u);
-  EXPECT_EQ(file.frameRate, 30u);
-  EXPECT_EQ(file.masterScale, 0.0254f);
-  ASSERT_EQ(file.events.size(), 1u);
-  EXPECT_EQ(file.events[0].frame, 1);
-  EXPECT_EQ(file.events[0].type, 5u);
-  EXPECT_EQ(file.events[0].name, "dust");
-  ASSERT_EQ(file.bones.size(), 3u);
-  EXPECT_EQ(file.bones[2].name, "b.right");
-  EXPECT_EQ(file.bones[2].parent, 0);
-  EXPECT_EQ(file.Frame(1)[2].position, (Vec3{1, 2, 0}));
-  EXPECT_EQ(file.Frame(1)[2].rotation.w, 1);
-  EXPECT_TRUE(file.remarks.empty());
 }
 
 TEST(AnimationReader, RangeThatEndsBeforeItBeginsHasNoFrames) {

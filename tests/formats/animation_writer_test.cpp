@@ -2,9 +2,7 @@
 
 #include "IndependentReader.h"
 #include "SampleMeshes.h"
-#include "TemporaryFolder.h"
 #include "formats/AnimationWriter.h"
-#include "platform/Platform.h"
 
 namespace orv {
 namespace {
@@ -71,21 +69,6 @@ TEST(AnimationWriter, FileOfTwoBonesAndTwoFrames) {
                      LittleEndian(1) + Floats({11, 0, 0, 0, 0, 0, 1, 11, 1, 0, 0, 0, 0, 1}))));
 }
 
-TEST(AnimationWriter, BonesOfAFrameStandInTheOrderOfTheTree) {
-  MovingSkeleton skeleton;
-  GenericSkeleton::Node& left = skeleton.Add(*skeleton.m_root, "left");
-  skeleton.Add(*skeleton.m_root, "right");
-  skeleton.Add(left, "left hand");
-  const auto file = independent::ParseAnimation(Written(skeleton, {}));
-  const std::pair<const char*, float> expected[] = {
-      {"b.root", 0}, {"left", 1}, {"left hand", 3}, {"right", 2}};
-  ASSERT_EQ(file.bones.size(), 4u);
-  for (size_t i = 0; i < 4; ++i) {
-    EXPECT_EQ(file.bones[i].name, expected[i].first);
-    EXPECT_EQ(file.frames.at(0)[i][1], expected[i].second);
-  }
-}
-
 TEST(AnimationWriter, RangeThatEndsBeforeItBeginsHasNoFrames) {
   MovingSkeleton skeleton;
   const std::tuple<int, int, uint32_t> cases[] = {{5, 4, 0}, {5, 2, 0xFFFFFFFE}};
@@ -94,35 +77,6 @@ TEST(AnimationWriter, RangeThatEndsBeforeItBeginsHasNoFrames) {
     EXPECT_EQ(file.frameCount, count);
     EXPECT_TRUE(file.frames.empty());
   }
-}
-
-TEST(AnimationWriter, FailureIsToldWithCodeAndReason) {
-  TemporaryFolder folder;
-  MovingSkeleton skeleton;
-  RecordingUserInterface ui;
-  const std::string path = folder.File("no/a.kin");
-  EXPECT_FALSE(WriteAnimationFile(path, skeleton, {}, ui));
-  EXPECT_EQ(ui.log, (std::vector<std::string>{
-                        "error: Geometry Exporter reported error code '16'",
-                        "info: Could not write " + path + ": " + platform::WhyNotWritable(path)}));
-}
-
-TEST(AnimationWriter, FileHoldsWhatTheStreamWould) {
-  TemporaryFolder folder;
-  MovingSkeleton skeleton;
-  RecordingUserInterface ui;
-  ASSERT_TRUE(WriteAnimationFile(folder.File("a.kin"), skeleton, Range(1, 3), ui));
-  EXPECT_EQ(ContentOf(folder.File("a.kin")), Written(skeleton, Range(1, 3)));
-}
-
-TEST(AnimationWriter, ThousandBonesAndFramesGoIntoAFile) {
-  TemporaryFolder folder;
-  MovingSkeleton skeleton;
-  GenericSkeleton::Node* parent = skeleton.m_root.get();
-  for (int i = 1; i < 1000; ++i) parent = &skeleton.Add(*parent, "b." + std::to_string(i));
-  RecordingUserInterface ui;
-  ASSERT_TRUE(WriteAnimationFile(folder.File("a.kin"), skeleton, Range(0, 999), ui));
-  EXPECT_GT(std::filesystem::file_size(folder.File("a.kin")), 28'000'000u);
 }
 
 }  // namespace

@@ -32,11 +32,6 @@ TEST(Container, TextsArePaddedToFourBytesWithoutTerminator) {
   }
 }
 
-TEST(Container, EmptyChunkHoldsItsVersion) {
-  EXPECT_EQ(BytesOf([](std::ostream& out) { ChunkScope chunk(out, "ATCH", 100); }),
-            "ATCH" + LittleEndian(4) + LittleEndian(100));
-}
-
 TEST(Container, ParentLengthCoversTheWholeChild) {
   const std::string bytes = BytesOf([](std::ostream& out) {
     ChunkScope parent(out, "CHNK", 100);
@@ -53,16 +48,6 @@ TEST(Container, WritingGoesOnAtTheEndAfterAChunk) {
     WriteU32(out, 7);
   });
   EXPECT_EQ(bytes, "QIRF" + LittleEndian(20) + "IDXM" + Chunk("INFO", 1) + LittleEndian(7));
-}
-
-TEST(Container, CountIsPatchedBehindItsItems) {
-  const std::string bytes = BytesOf([](std::ostream& out) {
-    const CountPosition count = BeginCount(out);
-    WriteU32(out, 10);
-    PatchCount(out, count, 1);
-    WriteU32(out, 11);
-  });
-  EXPECT_EQ(bytes, Words({1, 10, 11}));
 }
 
 // Takes what is written, and claims to be at the end of a file that large.

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "FileBytes.h"
-#include "RecordingUserInterface.h"
-#include "TemporaryFolder.h"
 
 namespace orv {
 namespace {
@@ -82,28 +80,6 @@ TEST(Events, MalformedFilesKeepWhatCameBefore) {
       {"1 Sage_3D\n" + name255 + "n 2 Sage_3D y", "! 2"},
   };
   for (const auto& [text, events] : cases) EXPECT_EQ(EventsOf(text), events) << text;
-}
-
-TEST(Events, StreamThatIsNotGoodIsLeftAlone) {
-  std::istringstream in("1 Sage_3D x");
-  in.setstate(std::ios::failbit);
-  std::vector<AnimationEvent> events;
-  EXPECT_EQ(ReadEvents(in, events), std::nullopt);
-  EXPECT_TRUE(events.empty());
-}
-
-TEST(Events, FileIsReadAndItsFaultIsWarnedAbout) {
-  TemporaryFolder folder;
-  RecordingUserInterface ui;
-  EXPECT_TRUE(ReadEventFile("", ui).empty());
-  EXPECT_TRUE(ReadEventFile(folder.File("none.evt"), ui).empty());
-  EXPECT_TRUE(ReadEventFile(folder.File(""), ui).empty());  // opens, but cannot be read
-  EXPECT_TRUE(ui.log.empty());
-  const std::string path = folder.File("a.evt");
-  WriteContent(path, "1 Sage_3D x\noops");
-  EXPECT_EQ(ReadEventFile(path, ui).size(), 1u);
-  EXPECT_EQ(ui.log, std::vector<std::string>{"warning: Event file " + path +
-                                             " is malformed at line 2, later events are ignored."});
 }
 
 TEST(Events, ThoseInTheRangeAreWrittenFromItsStart) {

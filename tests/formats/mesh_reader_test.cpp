@@ -5,7 +5,6 @@
 #include <random>
 
 #include "SampleMeshes.h"
-#include "TemporaryFolder.h"
 
 namespace orv {
 namespace {
@@ -99,33 +98,9 @@ TEST(IndexedMeshReader, SkinnedMeshComesBackAsItWasWritten) {
   ExpectSameBytesAgain(bytes);
   const IndexedMeshFile file = Read(bytes);
   EXPECT_TRUE(file.remarks.empty());
-  EXPECT_EQ(file.vertexCount, 3u);
-  EXPECT_EQ(file.triangleCount, 1u);
   EXPECT_EQ(file.maxInfluencesPerVertex, 2u);
   EXPECT_EQ(file.maxBonesPerChunk, 2u);
   EXPECT_EQ(file.boundingBox, ComputeBoundingBox(file.mesh));
-}
-
-TEST(IndexedMeshReader, BoundMeshHasItsBones) {
-  ExIndexedMesh mesh;
-  mesh.chunks.push_back(TriangleChunk());
-  ExGenericSkeleton skeleton;
-  skeleton.m_root = Bone("b.root", {1, 2, 3}, {0.5f, 0.5f, 0.5f, 0.5f});
-  skeleton.m_root->m_children.push_back(Bone("b.left"));
-  skeleton.m_root->m_children[0]->m_children.push_back(Bone("b.finger"));
-  skeleton.m_root->m_children.push_back(Bone("b.right"));
-  mesh.skeleton = &skeleton;
-  const IndexedMeshFile file = Read(Written(mesh).bytes);
-  ExpectSafeToUse(file);
-  const std::pair<const char*, int32_t> expected[] = {
-      {"b.root", -1}, {"b.left", 0}, {"b.finger", 1}, {"b.right", 0}};
-  ASSERT_EQ(file.bones.size(), std::size(expected));
-  for (size_t i = 0; i < file.bones.size(); ++i) {
-    EXPECT_EQ(file.bones[i].name, expected[i].first);
-    EXPECT_EQ(file.bones[i].parent, expected[i].second);
-  }
-  EXPECT_EQ(file.bonePoses[0].position, (Vec3{1, 2, 3}));
-  EXPECT_EQ(file.bonePoses[0].rotation.w, 0.5f);
 }
 
 TEST(IndexedMeshReader, TangentsAndNeighboursAreRead) {
@@ -187,34 +162,12 @@ TEST(IndexedMeshReader, OlderGeometry) {
 }
 
 TEST(IndexedMeshReader, UnknownVersionsAreRefused) {
-  const auto withVersion = [](std::string chunk, uint32_t version) {
-    return chunk.replace(8, 4, LittleEndian(version));
-  };
-  const MeshParts good;
   for (const uint32_t version : {99u, 105u}) {
     MeshParts parts;
-    parts.info = withVersion(good.info, version);
+    parts.info.replace(8, 4, LittleEndian(version));
     EXPECT_EQ(Refusal(parts.Bytes()),
               "QIRF/INFO: version " + std::to_string(version) + " is unknown (at byte 20)");
   }
-  for (const uint32_t version : {99u, 202u}) {
-    MeshParts parts;
-    parts.geom = withVersion(good.geom, version);
-    EXPECT_NE(Refusal(parts.Bytes()).find("QIRF/CHNK 0/GEOM: version"), std::string::npos);
-  }
-  for (const uint32_t version : {100u, 104u}) {
-    MeshParts parts;
-    parts.matl = withVersion(good.matl, version);
-    EXPECT_NE(Refusal(parts.Bytes()).find("QIRF/CHNK 0/MATL: version"), std::string::npos);
-  }
-  for (const uint32_t version : {101u, 102u}) {
-    MeshParts parts;
-    parts.matl = withVersion(good.matl, version);
-    EXPECT_TRUE(Remarks(parts.Bytes()).empty()) << version;
-  }
-  MeshParts parts;
-  parts.chunkVersion = LittleEndian(101);
-  EXPECT_NE(Refusal(parts.Bytes()).find("QIRF/CHNK 0: version 101"), std::string::npos);
 }
 
 // Of the chunks behind the geometry, one of an unknown tag or version counts as absent.
@@ -295,18 +248,9 @@ TEST(IndexedMeshReader, WhatIsNotThereIsRefused) {
 }
 
 TEST(IndexedMeshReader, OtherFilesAreRefused) {
-  TemporaryFolder folder;
   EXPECT_EQ(Refusal(""), "a tag of 4 bytes is cut off, 0 are left (at byte 0)");
   EXPECT_EQ(Refusal("glTF...."), "found \"glTF\" where \"QIRF\" is due (at byte 0)");
   EXPECT_EQ(Refusal(Root("ANIM", "")), "QIRF: found \"ANIM\" where \"IDXM\" is due (at byte 8)");
-  IndexedMeshFile file;
-  ReadProblem problem;
-  EXPECT_FALSE(ReadIndexedMeshFile(folder.File("none.im"), file, problem));
-  EXPECT_EQ(problem.fault, ReadFault::File);
-  EXPECT_NE(problem.Message(), "");
-  EXPECT_FALSE(ReadIndexedMeshFile(folder.File(""), file, problem));
-  WriteContent(folder.File("a.im"), MeshParts().Bytes());
-  EXPECT_TRUE(ReadIndexedMeshFile(folder.File("a.im"), file, problem)) << problem.Message();
 }
 
 // A chain of bones as deep as a file can hold it must not exhaust the stack.
@@ -326,21 +270,14 @@ TEST(IndexedMeshReader, DeeplyNestedBones) {
             std::string::npos);
 }
 
-TEST(IndexedMeshReader, EveryPrefixIsRefused) {
-  ExIndexedMesh mesh = SkinnedMesh();
-  const std::string bytes = Written(mesh).bytes;
-  for (size_t size = 0; size < bytes.size(); ++size) {
-    ASSERT_NE(Refusal(bytes.substr(0, size)), "accepted") << size;
-  }
-}
-
-// Cut off with a root length that says so, the parts of the file that must be there are missed.
-TEST(IndexedMeshReader, EveryPrefixWithItsOwnLengthIsReadSafely) {
+// Cut off with a root length that says so, a file lacks parts that must be there.
+TEST(IndexedMeshReader, EveryPrefixIsRefusedOrReadSafely) {
   ExIndexedMesh mesh = SkinnedMesh();
   const std::string bytes = Written(mesh).bytes;
   const size_t optionalStart = bytes.find("INFL");
   for (size_t size = 12; size < bytes.size(); ++size) {
     std::string prefix = bytes.substr(0, size);
+    ASSERT_NE(Refusal(prefix), "accepted") << size;
     prefix.replace(4, 4, LittleEndian(static_cast<uint32_t>(size - 8)));
     IndexedMeshFile file;
     ReadProblem problem;
