@@ -82,20 +82,24 @@ inline Lines LinesOf(const Findings& findings) {
   return lines;
 }
 
-// What the checks find in a good file after it was damaged.
+// What the checks find in a good file after it was damaged, as "PLACE CODE; PLACE CODE".
 template <typename File>
-Lines LinesAfter(File file, void (*damage)(File&)) {
+std::string CodesAfter(File file, void (*damage)(File&)) {
   damage(file);
   Findings findings;
   CheckStructure(file, findings);
   CheckContent(file, findings);
-  return LinesOf(findings);
+  std::string codes;
+  for (const Finding& finding : findings) {
+    codes += (codes.empty() ? "" : "; ") + finding.place.path + " " + InfoOf(finding.code).name;
+  }
+  return codes;
 }
 
 template <typename File>
 struct DamageCase {
   void (*damage)(File&);
-  Lines lines;
+  std::string codes;
 };
 
 }  // namespace orv::inspect

@@ -58,28 +58,6 @@ crane.im: mesh, 1164 bytes
 )");
 }
 
-TEST(Info, RigidModelShowsItsSkeleton) {
-  LoadedFile file;
-  file.name = "crane.im";
-  file.content = GoodRigidFile();
-  EXPECT_EQ(TextOf(file), R"(
-crane.im: mesh, 0 bytes
-  size          1.000 x 1.000 x 0.000 m
-  from, to      0.000 0.000 0.000, 1.000 1.000 0.000
-  vertices      3
-  triangles     1
-  area          0.500 m2
-  vertex cache  ACMR 3.000, ATVR 1.000 with 10 entries; ACMR 3.000, ATVR 1.000 with 16 entries
-
-  chunk  material       vertices  triangles  area m2  tangents  bones  ACMR 10  ATVR 10  ACMR 16  ATVR 16  bytes  bound to
-      0  steel m.notex         3          1    0.500        no      0    3.000    1.000    3.000    1.000    286  b.arm
-
-  2 bones
-    b.root
-      b.arm
-)");
-}
-
 TEST(Info, AnimationIsShownWithAllItsParts) {
   EXPECT_EQ(TextOf(Loaded("walk.kin", GoodAnimationBytes())), R"(
 walk.kin: animation, 376 bytes
@@ -137,18 +115,6 @@ TEST(InfoJson, ModelHasEveryField) {
                    {"channel": 8, "use": "bump", "name": "/a/b.texture", "amount": 0.5}]})");
 }
 
-TEST(InfoJson, AnimationHasEveryField) {
-  ExpectFields(DocumentOf(Loaded("walk.kin", GoodAnimationBytes()))["files"][0],
-               R"({"file": "walk.kin", "kind": "animation", "bytes": 376, "name": "walk",
-      "frames": 3, "frameRate": 4, "seconds": 0.5, "masterScale": 0.0254, "remarks": [],
-      "events": [{"frame": 1, "seconds": 0.25, "type": 0, "typeName": "Sound_Event",
-                  "name": "step"},
-                 {"frame": 2, "seconds": 0.5, "type": 5, "typeName": "Effect_Event",
-                  "name": "dust"}],
-      "bones": [{"name": "b.hip", "parent": null, "depth": 0},
-                {"name": "b.knee", "parent": 0, "depth": 1}]})");
-}
-
 TEST(InfoJson, WhatJsonCannotHoldIsReplaced) {
   LoadedFile file;
   IndexedMeshFile& mesh = file.content.emplace<IndexedMeshFile>(GoodRigidFile());
@@ -164,13 +130,6 @@ TEST(InfoJson, WhatJsonCannotHoldIsReplaced) {
   EXPECT_EQ(DocumentOf(file)["files"][0]["boundingBox"], nullptr);
   file.content = AnimationFile();
   EXPECT_EQ(DocumentOf(file)["files"][0]["seconds"], nullptr);
-}
-
-TEST(Info, NothingReachesTheTerminalUnprinted) {
-  LoadedFile file;
-  AnimationFile& animation = file.content.emplace<AnimationFile>(GoodAnimationFile());
-  animation.name = animation.bones[0].name = animation.events[0].name = "\033[2J\n";
-  EXPECT_EQ(TextOf(file).find('\033'), std::string::npos);
 }
 
 TEST(Info, BonesNestedTooDeepStayReadable) {

@@ -33,16 +33,5 @@ TEST(TextureChecks, SideFilesAndPicturesAreLookedForBesideTheModel) {
   EXPECT_EQ(TextureLines(folder), Lines());
 }
 
-TEST(TextureChecks, MapThatIsNoTextureFileIsAPictureItself) {
-  TemporaryFolder folder;
-  IndexedMesh mesh;
-  mesh.chunks.resize(1);
-  mesh.chunks[0].material.maps = {{.channel = kDiffuse, .fileName = "c:\\art\\wall.tga"}};
-  Findings findings;
-  CheckTextures(mesh, folder.File(""), findings);
-  EXPECT_EQ(LinesOf(findings), Lines({"QIRF/CHNK 0/MATL (wall.tga): the picture is not beside the "
-                                      "model [texture-missing]"}));
-}
-
 }  // namespace
 }  // namespace orv::inspect

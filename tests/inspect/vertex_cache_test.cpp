@@ -2,11 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <deque>
-#include <random>
-#include <set>
-
 namespace orv::inspect {
 namespace {
 
@@ -30,29 +25,6 @@ TEST(VertexCache, KnownListsHaveKnownFigures) {
     EXPECT_EQ(count.misses, c.misses);
     EXPECT_DOUBLE_EQ(count.Acmr(), c.acmr);
     EXPECT_DOUBLE_EQ(count.Atvr(), c.atvr);
-  }
-}
-
-TEST(VertexCache, AgreesWithAQueue) {
-  std::mt19937 random(5);
-  for (const size_t cacheSize : {1, 3, 10, 16}) {
-    std::vector<Triangle> triangles(500);
-    std::deque<uint16_t> cache;
-    std::set<uint16_t> seen;
-    size_t misses = 0;
-    for (Triangle& triangle : triangles) {
-      for (uint16_t& vertex : triangle) {
-        vertex = static_cast<uint16_t>(random() % 40);
-        seen.insert(vertex);
-        if (std::find(cache.begin(), cache.end(), vertex) != cache.end()) continue;
-        ++misses;
-        cache.push_back(vertex);
-        if (cache.size() > cacheSize) cache.pop_front();
-      }
-    }
-    const VertexCacheCount count = CountCacheMisses(triangles, 50, cacheSize);
-    EXPECT_EQ(count.misses, misses);
-    EXPECT_EQ(count.vertices, seen.size());
   }
 }
 
