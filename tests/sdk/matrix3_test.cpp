@@ -15,24 +15,6 @@ void ExpectNear(const Matrix3& actual, const Matrix3& expected) {
   }
 }
 
-const Matrix3 kQuarterTurnAboutZ({0, 1, 0}, {-1, 0, 0}, {0, 0, 1}, {0, 0, 0});
-const Matrix3 kMove({1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {10, 20, 30});
-const Matrix3 kSkewed({2, 1, 0}, {0, -3, 0.5f}, {1, 0, 4}, {5, 6, 7});
-
-TEST(Matrix3, ProductAppliesTheLeftOneFirst) {
-  const Point3 p(1, 0, 0);
-  ExpectNear(p * (kQuarterTurnAboutZ * kMove), {10, 21, 30});
-  ExpectNear(p * (kMove * kQuarterTurnAboutZ), {-20, 11, 30});
-  ExpectNear(VectorTransform(kQuarterTurnAboutZ * kMove, p), {0, 1, 0});
-}
-
-TEST(Matrix3, InverseUndoesFromBothSides) {
-  for (const Matrix3& matrix : {kQuarterTurnAboutZ, kMove, kSkewed, kSkewed * kMove}) {
-    ExpectNear(matrix * Inverse(matrix), Matrix3(TRUE));
-    ExpectNear(Inverse(matrix) * matrix, Matrix3(TRUE));
-  }
-}
-
 TEST(Matrix3, SingularMatrixInvertsToZeros) {
   const Matrix3 flat({1, 0, 0}, {0, 1, 0}, {0, 0, 0}, {5, 6, 7});
   EXPECT_EQ(Inverse(flat), Matrix3(FALSE));

@@ -26,23 +26,6 @@ Mesh MakeMesh(const std::vector<Point3>& points, const std::vector<Triangle>& tr
   return mesh;
 }
 
-// Corner i stands at +-1 by the bits of i; sides in the order -z, +z, -y, +y, -x, +x.
-Mesh Cube(const std::vector<DWORD>& sideGroups) {
-  std::vector<Point3> points;
-  for (int i = 0; i < 8; ++i) {
-    points.emplace_back(i & 1 ? 1.f : -1.f, i & 2 ? 1.f : -1.f, i & 4 ? 1.f : -1.f);
-  }
-  const DWORD sides[6][4] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4},
-                             {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5}};
-  std::vector<Triangle> triangles;
-  for (size_t side = 0; side < 6; ++side) {
-    const DWORD(&s)[4] = sides[side];
-    triangles.push_back({s[0], s[1], s[2], sideGroups[side]});
-    triangles.push_back({s[0], s[2], s[3], sideGroups[side]});
-  }
-  return MakeMesh(points, triangles);
-}
-
 // `count` triangles around vertex 0, climbing like a tent roof.
 Mesh OpenFan(const std::vector<DWORD>& groups) {
   std::vector<Point3> points = {{0, 0, 0}};
@@ -72,42 +55,6 @@ void ExpectNear(const Point3& actual, const Point3& expected) {
   for (int i = 0; i < 3; ++i) EXPECT_NEAR(actual[i], expected[i], 1e-6) << "component " << i;
 }
 
-TEST(MeshNormals, SmoothCubePointsOutOfItsCorners) {
-  Mesh cube = Cube({1, 1, 1, 1, 1, 1});
-  cube.buildNormals();
-  for (int v = 0; v < 8; ++v) {
-    const std::vector<RNormal> normals = NormalsOf(cube, v);
-    ASSERT_EQ(normals.size(), 1u);
-    ExpectNear(normals[0].getNormal(), Normalize(cube.verts[v]));
-  }
-}
-
-TEST(MeshNormals, OneGroupPerSideGivesTheSidesNormals) {
-  Mesh cube = Cube({1, 2, 4, 8, 16, 32});
-  cube.buildNormals();
-  const Point3 sideNormals[6] = {{0, 0, -1}, {0, 0, 1},  {0, -1, 0},
-                                 {0, 1, 0},  {-1, 0, 0}, {1, 0, 0}};
-  for (int v = 0; v < 8; ++v) {
-    const std::vector<RNormal> normals = NormalsOf(cube, v);
-    ASSERT_EQ(normals.size(), 3u);
-    for (const RNormal& normal : normals) {
-      int side = 0;
-      while ((normal.getSmGroup() >> side) != 1) ++side;
-      ExpectNear(normal.getNormal(), sideNormals[side]);
-    }
-  }
-}
-
-TEST(MeshNormals, FlatFacesGiveNone) {
-  Mesh cube = Cube({0, 1, 0, 0, 0, 0});
-  cube.buildNormals();
-  for (int v = 0; v < 8; ++v) {
-    const std::vector<RNormal> normals = NormalsOf(cube, v);
-    ASSERT_EQ(normals.size(), v < 4 ? 0u : 1u);
-    if (v >= 4) ExpectNear(normals[0].getNormal(), {0, 0, 1});
-  }
-}
-
 TEST(MeshNormals, SharedGroupsJoinFaces) {
   const struct {
     std::vector<DWORD> faceGroups;
@@ -126,15 +73,6 @@ TEST(MeshNormals, SharedGroupsJoinFaces) {
     fan.buildNormals();
     EXPECT_EQ(GroupsOf(fan, 0), c.expected) << testing::PrintToString(c.faceGroups);
   }
-}
-
-TEST(MeshNormals, FollowTheMeshWhenBuiltAgain) {
-  Mesh cube = Cube({1, 2, 4, 8, 16, 32});
-  cube.buildNormals();
-  for (int v = 0; v < 8; ++v) cube.verts[v] = cube.verts[v] * -1;  // inside out
-  cube.buildNormals();
-  ASSERT_EQ(GroupsOf(cube, 0), (std::vector<DWORD>{1, 4, 16}));
-  ExpectNear(NormalsOf(cube, 0)[0].getNormal(), {0, 0, -1});
 }
 
 TEST(MeshNormals, FaceWithoutAreaCountsForNothing) {
@@ -164,12 +102,6 @@ class SpecifiedNormals : public testing::Test {
   Mesh m_mesh;
 };
 
-TEST_F(SpecifiedNormals, AreKeptByBuildNormals) {
-  m_mesh.verts[0] = {9, 9, 9};
-  m_mesh.buildNormals();
-  ExpectGiven(m_mesh);
-}
-
 TEST_F(SpecifiedNormals, SurviveCopiesAndMoves) {
   Mesh copy(m_mesh);
   m_mesh.getRVert(0).ern[1].setNormal({5, 5, 5});
@@ -186,12 +118,6 @@ TEST_F(SpecifiedNormals, SurviveCopiesAndMoves) {
 
   m_mesh = moved;
   ExpectGiven(m_mesh);
-}
-
-TEST_F(SpecifiedNormals, AreDroppedWhenTheTopologyChanges) {
-  m_mesh.setNumFaces(1);
-  m_mesh.buildNormals();
-  EXPECT_EQ(GroupsOf(m_mesh, 0), (std::vector<DWORD>{1}));
 }
 
 TEST_F(SpecifiedNormals, AreRefusedWhenTheyDoNotFit) {
