@@ -59,10 +59,6 @@ TEST(MaterialEquality, EachFieldAlone) {
   }
 }
 
-TEST(MaterialEquality, NamesWithoutTypeDoNotMatter) {
-  EXPECT_TRUE(MaterialsEqual(Material("wood"), Material("iron"), false));
-}
-
 TEST(MaterialEquality, LikeMapsFindTheSamePartner) {
   GenericMaterial twice = Material(""), once = Material("");
   twice.maps = {Map(kDiffuse, "a.tga"), Map(kDiffuse, "A.tga")};

@@ -105,19 +105,5 @@ TEST(Merging, GivesWhatTheLiteralRuleGives) {
   EXPECT_GT(folded, 1000u);  // the materials are alike enough to prove something
 }
 
-// Quadratic work would take minutes: 5,000 meshes of a material and 100 faces each.
-TEST(Merging, ThousandsOfMeshesInALoop) {
-  GenericMesh part = Quad({Material("part")});
-  for (int i = 0; i < 99; ++i) AddFace(part, 0, {0, 1, 2});
-  GenericMesh mesh;
-  for (int i = 0; i < 5000; ++i) {
-    part.m_materials[0].shininess = float(i);
-    mesh.Append(part, false);
-  }
-  EXPECT_EQ(mesh.m_materials.size(), 5000u);
-  EXPECT_EQ(mesh.m_faces.size(), 500000u);
-  EXPECT_EQ(mesh.m_faces[499999].material, 4999);
-}
-
 }  // namespace
 }  // namespace orv

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <numbers>
 
 #include "MeshBuilders.h"
@@ -48,45 +47,6 @@ TEST(UnusedMaterials, FacesOfDroppedMaterialsFallToTheFirst) {
   }
 }
 
-TEST(Append, RaisesEveryIndexAndMergesMaterials) {
-  GenericMesh mesh = Quad({Material("a.m.onetex", 1), Material("b.m.onetex", 2)});
-  GenericMesh other = Quad({Material("b.m.onetex", 3), Material("c.m.onetex", 4)});
-  other.m_normals.push_back({1, 0, 0});
-  other.m_faces.Add(1, std::vector<FaceCorner>{{0, 4, 1}, {1, 4, 2}, {2, 4, 3}});
-  other.m_attachmentPoints.resize(1);
-  mesh.Append(other, false);
-  mesh.Append(other, false);
-  EXPECT_EQ(Faces(mesh),
-            (Lines{"0: 0 1 2 3", "1: 4 5 6 7", "2: 4/8/5 5/8/6 6/8/7",
-                   "1: 8/9/8 9/10/9 10/11/10 11/12/11", "2: 8/13/9 9/13/10 10/13/11"}));
-  EXPECT_EQ(Tags(mesh.m_materials), (Ints{1, 2, 4}));
-  EXPECT_EQ(mesh.m_positions.size(), 12u);
-  EXPECT_EQ(mesh.m_normals.size(), 14u);
-  EXPECT_EQ(mesh.m_texCoords.size(), 12u);
-  EXPECT_TRUE(mesh.m_attachmentPoints.empty());
-}
-
-TEST(Append, MeshWithoutFacesBringsItsRowsAndMaterials) {
-  GenericMesh mesh = Quad({Material("a.m.onetex")});
-  GenericMesh rows = Quad({Material("b.m.onetex")});
-  rows.m_faces = {};
-  mesh.Append(rows, false);
-  EXPECT_EQ(Faces(mesh), Lines{"0: 0 1 2 3"});
-  EXPECT_EQ(mesh.m_positions.size(), 8u);
-  EXPECT_EQ(mesh.m_materials.size(), 2u);
-}
-
-TEST(Append, OtherFlagThanLastTimeLooksAtAllMaterialsAgain) {
-  GenericMesh mesh = Quad({Material("", 1), Material("", 2)});
-  mesh.m_materials[1].diffuse = {0, 0, 0};
-  mesh.m_faces.SetMaterial(0, 1);
-  mesh.MergeMaterials(false);
-  EXPECT_EQ(mesh.m_materials.size(), 2u);
-  mesh.Append(GenericMesh(), true);
-  EXPECT_EQ(Tags(mesh.m_materials), Ints{1});
-  EXPECT_EQ(FaceMaterials(mesh), Ints{0});
-}
-
 TEST(MeshTransform, MirrorTestReadsThreeSigns) {
   const struct {
     Vec3 x, y, z;
@@ -113,29 +73,6 @@ TEST(MeshTransform, ReversingExchangesOnePairOfOddPolygons) {
   AddFace(mesh, 0, {});
   mesh.Transform({{Vec3{-1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {0, 0, 0}}}, 1, nullptr);
   EXPECT_EQ(Faces(mesh), (Lines{"0: 0 1 2 3", "0: 4 1 2 3 0", "0:"}));
-}
-
-TEST(MeshTransform, PositionsScaleAfterTheMatrixAndNormalsBecomeUnit) {
-  GenericMesh mesh;
-  mesh.m_positions = {{1, 2, 3}};
-  mesh.m_normals = {{0, 3, 0}, {0, 0, 0}};
-  mesh.Transform({{Vec3{2, 0, 0}, {0, 2, 0}, {0, 0, 2}, {10, 0, 0}}}, 0.5f, nullptr);
-  EXPECT_EQ(mesh.m_positions[0], (Vec3{6, 2, 3}));
-  EXPECT_EQ(mesh.m_normals[0], (Vec3{0, 1, 0}));
-  EXPECT_TRUE(std::isnan(mesh.m_normals[1].x));  // kept as the division leaves it
-}
-
-TEST(MeshTransform, BoneSpaceIsInMetres) {
-  const float half = std::numbers::sqrt2_v<float> / 2;
-  const ExGenericSkeleton::Node bone("r.wheel", {100, 0, 50}, {0, 0, -half, half});
-  GenericMesh mesh;
-  mesh.m_positions = {{100, 200, 50}};
-  mesh.m_normals = {{0, 1, 0}};
-  mesh.Transform({}, 0.01f, &bone);
-  EXPECT_NEAR(mesh.m_positions[0].x, 2, 1e-6);  // the bone's x axis points along world y
-  EXPECT_NEAR(mesh.m_positions[0].y, 0, 1e-6);
-  EXPECT_NEAR(mesh.m_positions[0].z, 0, 1e-6);
-  EXPECT_NEAR(mesh.m_normals[0].x, 1, 1e-6);
 }
 
 Vec2 Transformed(Vec2 coord, const TexCoordTransform& transform) {
@@ -197,20 +134,6 @@ TEST(TexCoordTransforms, SharedCoordinateMovesOnceWithTheFirstMaterialMet) {
   EXPECT_EQ(mesh.m_texCoords[1].u, 2);
   EXPECT_EQ(mesh.m_texCoords[3].u, -1);
   EXPECT_EQ(mesh.m_texCoords[4].u, 9);
-}
-
-TEST(Triangulate, CutsPolygonsIntoFans) {
-  GenericMesh mesh = Quad({Material("a"), Material("b")});
-  AddFace(mesh, 1, {1, 2, 3});
-  AddFace(mesh, 1, {4, 3, 2, 1, 0});
-  const auto triangles = mesh.Triangulate();
-  ASSERT_TRUE(triangles);
-  EXPECT_EQ(Faces(*triangles),
-            (Lines{"0: 0 1 2", "0: 0 2 3", "1: 1 2 3", "1: 4 3 2", "1: 4 2 1", "1: 4 1 0"}));
-  EXPECT_EQ(triangles->m_positions, mesh.m_positions);
-  EXPECT_EQ(triangles->m_materials.size(), 2u);
-  EXPECT_EQ(triangles->Triangulate(), nullptr);
-  EXPECT_EQ(mesh.m_faces.size(), 3u);
 }
 
 }  // namespace

@@ -10,7 +10,6 @@
 
 #include "MeshBuilders.h"
 #include "RecordingUserInterface.h"
-#include "platform/Platform.h"
 
 namespace orv {
 namespace {
@@ -90,12 +89,6 @@ TEST(MaterialName, SuffixFollowsTheMaps) {
   }
 }
 
-TEST(MaterialName, OwnTypeIsKept) {
-  RecordingUserInterface ui;
-  EXPECT_EQ(ComposeMaterialName({}, "Rail.m.OneTex", true, ui), "rail.m.onetex");
-  EXPECT_TRUE(ui.log.empty());
-}
-
 struct Export {
   bool ask = true;
   bool force = false;
@@ -159,30 +152,6 @@ TEST(SideFiles, OneFilePerMap) {
   }
 }
 
-TEST(SideFiles, CollectsEveryTextureOnce) {
-  Folder folder;
-  Export run;
-  GenericMaterial material = With({WithAlpha(Map(kAmbient, "x/a.tga")), Map(kDiffuse, "d.tga"),
-                                   Map(kOpacity, "o.tga"), Map(kBump, "d.tga")});
-  EXPECT_TRUE(run.Write(material, folder));
-  EXPECT_EQ(run.ui.Textures(), (Lines{"x/a.tga", "d.tga", "o.tga"}));
-  EXPECT_EQ(material.maps[2].fileName, "o.tga");
-  EXPECT_EQ(folder.Names(), (Lines{"a-a.texture.txt", "d-o.texture.txt", "d.texture.txt"}));
-
-  GenericMaterial opacityOnly = With({Map(kOpacity, "alone.tga")});
-  EXPECT_TRUE(run.Write(opacityOnly, folder));
-  EXPECT_EQ(folder.Names().size(), 3u);
-}
-
-TEST(SideFiles, ConvertedNameIsLeftAlone) {
-  Folder folder;
-  Export run;
-  GenericMaterial material = With({Map(kDiffuse, "old.texture")});
-  run.Write(material, folder);
-  EXPECT_EQ(material.maps[0].fileName, "old.texture");
-  EXPECT_TRUE(folder.Names().empty());
-}
-
 // The log and the flags after one material whose side file is there already.
 TEST(SideFiles, ExistingFile) {
   const struct {
@@ -225,37 +194,6 @@ TEST(SideFiles, ExistingFile) {
   }
 }
 
-TEST(SideFiles, OneAnswerForAllStopsTheQuestions) {
-  for (const Answer answer : {Answer::NoToAll, Answer::YesToAll}) {
-    Folder folder;
-    folder.Put("v.texture.txt", "old");
-    folder.Put("w.texture.txt", "old");
-    Export run;
-    run.ui.answers = {answer, Answer::No};
-    GenericMaterial material = With({Map(kAmbient, "v.tga"), Map(kDiffuse, "w.tga")});
-    run.Write(material, folder);
-    EXPECT_EQ(run.ui.log.size(), 3u);  // one question, two files
-    EXPECT_EQ(folder.Text("w.texture.txt") == "old", answer == Answer::NoToAll);
-  }
-}
-
-// The superuser may write to it all the same, and is then told nothing.
-TEST(SideFiles, ReadOnlyFileIsNamedAsSuch) {
-  Folder folder;
-  folder.Put("w.texture.txt", "old");
-  const std::string path = folder / "w.texture.txt";
-  fs::permissions(path, fs::perms::owner_read);
-  Export run;
-  run.ui.answers = {Answer::No};
-  GenericMaterial material = With({Map(kDiffuse, "w.tga")});
-  const std::string prefix = platform::IsWritable(path) ? "" : "Read-Only ";
-  run.Write(material, folder);
-  fs::permissions(path, fs::perms::owner_all);  // for the clearing up
-  ASSERT_FALSE(run.ui.log.empty());
-  EXPECT_EQ(run.ui.log[0], "ask: " + prefix + ".texture.txt file " + path +
-                               " already exists.\n  Overwrite file?\n");
-}
-
 // A folder of the file's name cannot be removed and not be written.
 TEST(SideFiles, FileThatCannotBeReplaced) {
   Folder folder;
@@ -273,65 +211,6 @@ TEST(SideFiles, FileThatCannotBeReplaced) {
   EXPECT_EQ(forced.ui.log[1], "error: Could not open texture file " + path + " for writing.");
   EXPECT_EQ(folder.Names(), Lines{"w.texture.txt"});
   EXPECT_EQ(again.maps[0].fileName, folder / "w.texture");
-}
-
-TEST(SideFiles, FolderThatDoesNotExist) {
-  RecordingUserInterface ui;
-  bool ask = true, force = false;
-  GenericMaterial material = With({Map(kDiffuse, "w.tga")});
-  WriteTextureSideFiles(material, "no/such/", ui, ask, force);
-  ASSERT_FALSE(ui.log.empty());
-  EXPECT_EQ(ui.log[0], "error: Could not open texture file no/such/w.texture.txt for writing.");
-  EXPECT_EQ(material.maps[0].fileName, "no/such/w.texture");
-}
-
-TEST(SideFiles, FullDiskIsReported) {
-  Folder folder;
-  const std::string path = folder / "w.texture.txt";
-  std::error_code error;
-  fs::create_symlink("/dev/full", path, error);
-  if (error || !fs::exists(path)) GTEST_SKIP() << "no device that is always full";
-  Export run{true, true, {}};
-  GenericMaterial material = With({Map(kDiffuse, "w.tga")});
-  run.Write(material, folder);
-  ASSERT_EQ(run.ui.log.size(), 3u);
-  EXPECT_EQ(run.ui.log[1], "error: Could not open texture file " + path + " for writing.");
-}
-
-TEST(CopyTextures, CopiesWhatIsFoundAndNamesWhatIsNot) {
-  Folder from, to;
-  from.Put("a.tga", "A");
-  from.Put("b.tga", "B");
-  to.Put("here.tga", "same");
-  RecordingUserInterface ui;
-  const auto resolve = [&](const std::string& name) {
-    return name == "b.tga" ? from / "b.tga" : std::string();
-  };
-  const Lines names = {from / "a.tga", "b.tga", "no/such.tga", to / "here.tga", "nor_this.tga"};
-  EXPECT_FALSE(CopyTextures(names, to.Path(), true, true, resolve, ui));
-  EXPECT_EQ(to.Names(), (Lines{"a.tga", "b.tga", "here.tga"}));
-  EXPECT_EQ(to.Text("b.tga"), "B");
-  EXPECT_EQ(to.Text("here.tga"), "same");
-  EXPECT_EQ(ui.log, (Lines{"error: The following 2 file(s) failed to copy or could not be located:",
-                           "info:   no/such.tga", "info:   nor_this.tga"}));
-  EXPECT_EQ(ui.stages, Lines{"Copying texture files..."});
-}
-
-TEST(CopyTextures, OneSeparatorWhateverTheFolderEndsWith) {
-  Folder from;
-  from.Put("a.tga", "A");
-  const fs::path current = fs::current_path();
-  for (const char* folder : {".", "./", "..\\to", "../to\\"}) {
-    Folder outer;
-    fs::create_directory(outer / "to");
-    fs::current_path(outer / "to");
-    RecordingUserInterface ui;
-    const auto nowhere = [](const std::string&) { return std::string(); };
-    EXPECT_TRUE(CopyTextures({from / "a.tga"}, folder, true, true, nowhere, ui)) << folder;
-    EXPECT_TRUE(fs::exists("a.tga")) << folder;
-    EXPECT_TRUE(ui.log.empty());
-    fs::current_path(current);
-  }
 }
 
 }  // namespace
