@@ -67,13 +67,6 @@ TEST(Fill, MeshesThatCannotBeUsedSayWhy) {
   }
 }
 
-TEST(Fill, FlatFacesShareOneFaceNormalEach) {
-  const Filled filled(
-      MeshOf({{0, 0, 0}, {2, 0, 0}, {0, 2, 0}, {0, 0, 2}}, {{0, 1, 2, 0}, {0, 3, 1, 0}}), nullptr);
-  EXPECT_EQ(filled.mesh.m_normals, (std::vector<Vec3>{{0, 0, 1}, {0, 1, 0}}));
-  EXPECT_EQ(FaceRows(filled.mesh), (Lines{"0: 0/0/0 1/0/1 2/0/2", "0: 0/1/0 3/1/3 1/1/1"}));
-}
-
 // Vertex 0 has two normals, for groups 1 and 2 + 4; vertices 1 and 2 have one each.
 TEST(Fill, SmoothingGroupsChooseTheNormal) {
   const struct {

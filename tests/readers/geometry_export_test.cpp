@@ -35,15 +35,6 @@ std::vector<std::pair<std::string, std::vector<Floats3>>> Moved(const independen
   return result;
 }
 
-// Where the texture coordinates of the corners lie, in the order of the only triangle.
-std::vector<std::array<float, 2>> CornerTexture(const independent::MeshFile& file) {
-  std::vector<std::array<float, 2>> corners;
-  for (const uint16_t vertex : file.chunks.at(0).triangles.at(0)) {
-    corners.push_back({file.chunks[0].vertices[vertex][3], file.chunks[0].vertices[vertex][4]});
-  }
-  return corners;
-}
-
 const std::vector<Floats3> kTriangle = {{0, 0, 0}, {0, 1, 0}, {1, 0, 0}};
 
 std::vector<Floats3> TriangleAt(float x) { return {{x, 0, 0}, {x, 1, 0}, {x + 1, 0, 0}}; }
@@ -70,96 +61,6 @@ TEST_F(GeometryExport, MeshesThatCannotBeUsedAreReportedAndLeftOut) {
   EXPECT_EQ(Positions(file.chunks[0]), kTriangle);
 }
 
-TEST_F(GeometryExport, StagesAndProgressAreAnnounced) {
-  AddMesh("a");
-  AddMesh("b");
-  AddMesh("c");
-  ExportGeometry();
-  ASSERT_GE(ui.stages.size(), 4u);
-  EXPECT_EQ(Lines(ui.stages.begin(), ui.stages.begin() + 3),
-            (Lines{"Reading data from the scene", "Transforming and cropping", "Merging meshes"}));
-  // Four nodes with the root, twice; three meshes; two appended.
-  const std::vector<float> expected = {0,      0.125f, 0.25f,    0.375f,   0,        0.125f,  0.25f,
-                                       0.375f, 0,      1 / 3.0f, 2 / 3.0f, 1 / 3.0f, 2 / 3.0f};
-  ASSERT_GE(ui.progress.size(), expected.size());
-  EXPECT_EQ(std::vector(ui.progress.begin(), ui.progress.begin() + 13), expected);
-}
-
-TEST_F(GeometryExport, MeshesArriveInWorldSpaceAndMetres) {
-  scene.info.metresPerUnit = 0.01;
-  host::MemoryNode& car = scene.AddNode("car");
-  car.SetTransform(MovedBy(1000, 0, 0));
-  host::MemoryNode& door = AddMesh("door", &car);
-  door.SetTransform(ScaledBy(200, 100, 100));
-  door.SetObjectOffset(MovedBy(0, 0, 3));
-  const independent::MeshFile file = ExportGeometry();
-  EXPECT_EQ(Positions(file.chunks.at(0)),
-            (std::vector<Floats3>{{10, 0, 3}, {10, 1, 3}, {12, 0, 3}}));
-  EXPECT_EQ(file.chunks[0].normals, std::vector<Floats3>(3, {0, 0, 1}));
-}
-
-TEST_F(GeometryExport, MirroredMeshesExchangeTheOuterCorners) {
-  const std::vector<std::array<float, 2>> asModelled = {{0, 1}, {1, 1}, {0, 0}};
-  const std::vector<std::array<float, 2>> exchanged = {{0, 0}, {1, 1}, {0, 1}};
-  options.m_optimise = false;
-  const struct {
-    const char* what;
-    Matrix3 transform;
-    bool isExchanged;
-  } cases[] = {
-      {"none", ScaledBy(1, 1, 1), false},        {"x", ScaledBy(-1, 1, 1), true},
-      {"z", ScaledBy(1, 1, -1), true},           {"two: a half turn", ScaledBy(-1, -1, 1), false},
-      {"all three", ScaledBy(-1, -1, -1), true}, {"quarter turn", QuarterTurnAt(0, 0, 0), false}};
-  host::MemoryNode& node = AddMesh("a");
-  for (const auto& c : cases) {
-    node.SetTransform(c.transform);
-    auto corners = CornerTexture(ExportGeometry());
-    EXPECT_EQ(corners, c.isExchanged ? exchanged : asModelled) << c.what;
-  }
-}
-
-TEST_F(GeometryExport, EqualMaterialsShareAChunk) {
-  host::MemoryMaterial& twin = scene.AddMaterial("plain.m.notex");
-  host::MemoryMaterial& red = scene.AddMaterial("plain.m.notex");
-  red.diffuse = {1, 0, 0};
-  AddMesh("a");
-  AddMesh("b").SetMaterial(&twin);
-  EXPECT_EQ(ExportGeometry().chunks.size(), 1u);
-  AddMesh("c").SetMaterial(&red);
-  EXPECT_EQ(ExportGeometry().chunks.size(), 2u);
-  options.m_useDefaultColors = true;
-  EXPECT_EQ(ExportGeometry().chunks.size(), 1u);
-}
-
-TEST_F(GeometryExport, OneMeshMergesItsOwnEqualMaterials) {
-  Mtl& multi = scene.AddMultiMaterial(
-      "both", {&plain, &scene.AddMaterial("other.m.notex"), &scene.AddMaterial("plain.m.notex")});
-  scene.AddMeshNode("a",
-                    MeshOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, 1, 0}},
-                           {{0, 1, 2, 1, 0}, {0, 1, 3, 1, 1}, {1, 3, 2, 1, 2}}),
-                    &multi);
-  const independent::MeshFile file = ExportGeometry();
-  ASSERT_EQ(file.chunks.size(), 2u);
-  EXPECT_EQ(file.chunks[0].triangles.size(), 2u);
-  EXPECT_EQ(file.chunks[1].materialName, "other.m.notex");
-}
-
-TEST_F(GeometryExport, DiffusePlacementMovesTheTexture) {
-  host::MemoryBitmap& bitmap = scene.AddBitmap("wood.tga");
-  bitmap.coordinates.uScale = 2;
-  bitmap.coordinates.uOffset = 0.5f;
-  bitmap.crop.width = 0.5f;
-  plain.maps[kDiffuse] = &bitmap;
-  AddMesh("a");
-  options.m_optimise = false;
-  // Scaled about the middle; the offset counts with cropping only.
-  EXPECT_EQ(CornerTexture(ExportGeometry()),
-            (std::vector<std::array<float, 2>>{{-0.5f, 1}, {1.5f, 1}, {-0.5f, 0}}));
-  bitmap.crop.on = true;
-  EXPECT_EQ(CornerTexture(ExportGeometry()),
-            (std::vector<std::array<float, 2>>{{0.25f, 1}, {1.25f, 1}, {0.25f, 0}}));
-}
-
 TEST_F(GeometryExport, PointHelpersBecomeAttachments) {
   scene.info.metresPerUnit = 0.5;
   AddMesh("a");
@@ -172,28 +73,6 @@ TEST_F(GeometryExport, PointHelpersBecomeAttachments) {
   EXPECT_EQ(file.attachments[0].rotation, (std::array<float, 9>{0, 1, 0, -1, 0, 0, 0, 0, 1}));
   EXPECT_EQ(file.attachments[1].name.size(), 255u);
   EXPECT_TRUE(file.influences.empty());
-}
-
-// The parent stands turned at (1, 0, 0), the bone unturned at (1, 2, 0).
-TEST_F(GeometryExport, RigidPartsArriveInTheSpaceOfTheirBone) {
-  scene.info.metresPerUnit = 0.5;
-  host::MemoryNode& body = scene.AddNode("b.body");
-  body.SetTransform(QuarterTurnAt(1, 0, 0));
-  host::MemoryNode& arm = scene.AddNode("b.arm r.1", &body);
-  arm.SetTransform(MovedBy(1, 2, 0) * Inverse(QuarterTurnAt(1, 0, 0)));
-  AddMesh("part", &arm).SetTransform(MovedBy(0, 0, 4));
-  const independent::MeshFile file = ExportGeometry();
-  ASSERT_EQ(file.bones.size(), 2u);
-  EXPECT_EQ(file.bones[0].pose[0], 1);
-  EXPECT_NEAR(file.bones[0].pose[5], -0.70710678, 1e-6);
-  EXPECT_EQ(file.bones[1].name, "b.arm r.1");
-  EXPECT_EQ(file.bones[1].parent, 0);
-  const float expected[] = {2, 0, 0, 0, 0, 0.70710678f, 0.70710678f};
-  for (size_t i = 0; i < 7; ++i) EXPECT_NEAR(file.bones[1].pose[i], expected[i], 1e-6) << i;
-  EXPECT_FALSE(file.hasInfluences);
-  EXPECT_EQ(file.chunks.at(0).boneName, "b.arm r.1");
-  EXPECT_EQ(Positions(file.chunks[0]),
-            (std::vector<Floats3>{{0, 0, 2}, {0, 0.5f, 2}, {0.5f, 0, 2}}));
 }
 
 TEST_F(GeometryExport, RigidPartsAreBoundAtTimeZero) {
@@ -264,15 +143,6 @@ TEST_F(GeometryExport, StrayBonesAreReportedByTheGeometryExportAlone) {
   options.m_exportGeometry = false;
   ExportAnimation(0, 0);
   EXPECT_EQ(ui.log, once);
-}
-
-TEST_F(GeometryExport, FilesThatCannotBeWrittenAreAnError) {
-  AddMesh("a");
-  imName = folder.File("missing/out.im");
-  ExportGeometry(false);
-  const std::string error = "error: Geometry Exporter reported error code '16'";
-  EXPECT_EQ(std::count(ui.log.begin(), ui.log.end(), error), 1);
-  EXPECT_TRUE(ui.log.back().starts_with("info: Could not write " + imName + ": "));
 }
 
 TEST_F(GeometryExport, AnExporterCanExportAgain) {
