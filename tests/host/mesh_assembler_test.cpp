@@ -84,13 +84,6 @@ TEST(MeshAssembler, LookUpGivesBackEveryNormal) {
   }
 }
 
-TEST(MeshAssembler, ThirtyTwoNormalsAroundAPositionCanBeToldApart) {
-  const Soup soup = FlatCone(32);
-  const AssembledMesh result = soup.Assemble();
-  EXPECT_EQ(result.flattenedFaces, 0u);
-  ExpectPositionsAndNormalsOf(soup, result.mesh);
-}
-
 TEST(MeshAssembler, FacesBeyondTheGroupsAreFlatAndSpoilNoOther) {
   const Soup soup = FlatCone(40);
   const AssembledMesh result = soup.Assemble();
@@ -104,14 +97,6 @@ TEST(MeshAssembler, FacesBeyondTheGroupsAreFlatAndSpoilNoOther) {
     }
   }
   EXPECT_EQ(flat, 8u);
-}
-
-TEST(MeshAssembler, SmoothMeshesNeedOneGroup) {
-  Soup soup = RandomSeams(1, 5, 1);
-  const AssembledMesh result = soup.Assemble();
-  for (int face = 0; face < result.mesh.getNumFaces(); ++face) {
-    EXPECT_EQ(result.mesh.faces[face].getSmGroup(), 1u);
-  }
 }
 
 // One face can have one normal only at a position where it is twice.
@@ -144,58 +129,6 @@ TEST(MeshAssembler, MergesPositionsBitByBit) {
   EXPECT_EQ(face.v[0], 0u);
   EXPECT_EQ(face.v[1], 1u);
   EXPECT_EQ(face.v[2], 4u);
-}
-
-TEST(MeshAssembler, SkinnedPositionsMergeOnlyWithTheSameWeights) {
-  const BoneWeight half[] = {{0, 0.5f}, {1, 0.5f}};
-  const BoneWeight whole[] = {{1, 1.0f}};
-  const std::span<const BoneWeight> weights[] = {{}, half, whole, half, {}, whole};
-  MeshAssembler assembler(6, 0);
-  assembler.BeginPart(0);
-  for (const auto& w : weights) assembler.AddVertex({Point3(1, 1, 1), nullptr, nullptr, w});
-  const AssembledMesh result = assembler.Finish();
-  ASSERT_EQ(result.mesh.getNumVerts(), 3);
-  EXPECT_TRUE(result.skin.Of(0).empty());
-  ASSERT_EQ(result.skin.Of(1).size(), 2u);
-  EXPECT_EQ(result.skin.Of(1)[1], half[1]);
-  ASSERT_EQ(result.skin.Of(2).size(), 1u);
-  EXPECT_EQ(result.skin.Of(2)[0], whole[0]);
-}
-
-// Adds a triangle of vertices of its own.
-void AddPart(MeshAssembler& assembler, MtlID material, const Point3* texCoord,
-             const Point3* normal) {
-  assembler.BeginPart(material);
-  for (const Point3& p : {Point3(0, 0, 0), Point3(1, 0, 0), Point3(0, 1, 0)}) {
-    assembler.AddVertex({p, normal, texCoord});
-  }
-  assembler.AddTriangle(0, 1, 2);
-}
-
-TEST(MeshAssembler, PartsShareFansAndKeepTheirTexCoords) {
-  const Point3 uv1(0.25f, 0.5f, 0), uv2(0.75f, 0.5f, 0), up(0, 0, 1);
-  MeshAssembler assembler(12, 4);
-  AddPart(assembler, 3, nullptr, &up);
-  AddPart(assembler, 0, &uv1, &up);
-  AddPart(assembler, 7, nullptr, nullptr);
-  AddPart(assembler, 1, &uv2, &up);
-  const Mesh mesh = assembler.Finish().mesh;
-
-  EXPECT_EQ(mesh.getNumVerts(), 3);
-  const Point3 expected[] = {Point3(0, 0, 0), uv1, Point3(0, 0, 0), uv2};
-  const MtlID materials[] = {3, 0, 7, 1};
-  for (int face = 0; face < 4; ++face) {
-    EXPECT_EQ(mesh.faces[face].getMatID(), materials[face]);
-    EXPECT_EQ(LookUpNormal(mesh, face, 1).has_value(), face != 2);
-    for (int k = 0; k < 3; ++k) EXPECT_EQ(mesh.tVerts[mesh.tvFace[face].t[k]], expected[face]);
-  }
-  EXPECT_EQ(mesh.tvFace[0].t[0], mesh.tvFace[2].t[2]);
-}
-
-TEST(MeshAssembler, WithoutTexCoordsThereAreNone) {
-  MeshAssembler assembler(3, 1);
-  AddPart(assembler, 0, nullptr, nullptr);
-  EXPECT_EQ(assembler.Finish().mesh.getNumTVerts(), 0);
 }
 
 }  // namespace
