@@ -311,12 +311,7 @@ std::string TextOf(const std::array<double, N>& values) {
 }
 
 std::string TextOf(const TruthTriangle& triangle) {
-  std::string text = "material '" + triangle.material + "' bone '" + triangle.bone + "'";
-  for (const TruthCorner& corner : triangle.corners) {
-    text += "\n  position " + TextOf(corner.position) + " normal " + TextOf(corner.normal) +
-            " texture " + TextOf(corner.texCoord);
-  }
-  return text + "\n";
+  return "of '" + triangle.material + "' at " + TextOf(triangle.corners[0].position) + "\n";
 }
 
 std::vector<TruthTriangle> TrianglesOf(const independent::MeshFile& file) {

@@ -2,48 +2,11 @@
 
 #include <cmath>
 
-#include "Orv.h"
+#include "e2e/Orv.h"
+#include "e2e/SceneTruth.h"
 
 namespace orv {
 namespace {
-
-// A corner: position, texture coordinates, normal.
-using Corner = std::array<float, 8>;
-using Corners = std::array<Corner, 3>;
-
-std::vector<Corners> TrianglesOf(const independent::MeshChunk& chunk) {
-  std::vector<Corners> triangles;
-  for (const auto& triangle : chunk.triangles) {
-    Corners& corners = triangles.emplace_back();
-    for (size_t i = 0; i < 3; ++i) {
-      const auto& v = chunk.vertices[triangle[i]];
-      const auto& n = chunk.normals[triangle[i]];
-      corners[i] = {v[0], v[1], v[2], v[3], v[4], n[0], n[1], n[2]};
-    }
-  }
-  return triangles;
-}
-
-float Distance(const Corners& a, const Corners& b, size_t turn) {
-  float most = 0;
-  for (size_t i = 0; i < 3; ++i)
-    for (size_t k = 0; k < 8; ++k) most = std::max(most, std::abs(a[i][k] - b[(i + turn) % 3][k]));
-  return most;
-}
-
-// Each triangle of one finds one of its own in the other, whatever their order.
-void ExpectSameTriangles(const independent::MeshChunk& a, const independent::MeshChunk& b) {
-  std::vector<Corners> left = TrianglesOf(b);
-  ASSERT_EQ(a.triangles.size(), left.size());
-  for (const Corners& triangle : TrianglesOf(a)) {
-    const auto same = std::find_if(left.begin(), left.end(), [&](const Corners& other) {
-      return Distance(triangle, other, 0) < 1e-5f || Distance(triangle, other, 1) < 1e-5f ||
-             Distance(triangle, other, 2) < 1e-5f;
-    });
-    ASSERT_NE(same, left.end()) << a.materialName;
-    left.erase(same);
-  }
-}
 
 void ExpectSameMotion(const independent::AnimationFile& a, const independent::AnimationFile& b) {
   ASSERT_EQ(a.bones.size(), b.bones.size());
@@ -69,17 +32,10 @@ TEST(ConvertedModel, IsTheSameWhenItIsExportedAgain) {
     const Outcome converted = workplace.Orv({"convert", "a.im", "a.kin", "-o", "b.glb"});
     EXPECT_EQ(converted.status, 0) << converted.err;
     workplace.Export("b.glb", "b");
-    const independent::MeshFile a = workplace.Mesh("a.im"), b = workplace.Mesh("b.im");
-    ASSERT_EQ(a.chunks.size(), b.chunks.size());
-    for (const auto& chunk : a.chunks) {
-      const auto same = std::find_if(b.chunks.begin(), b.chunks.end(), [&](const auto& other) {
-        return other.materialName == chunk.materialName && other.boneName == chunk.boneName;
-      });
-      ASSERT_NE(same, b.chunks.end()) << chunk.materialName;
-      ExpectSameTriangles(chunk, *same);
-    }
-    EXPECT_EQ(a.attachments.size(), b.attachments.size());
-    EXPECT_EQ(a.influences.size(), b.influences.size());
+    const SceneTruth truth = EvaluateScene(DataFile(scene), {.metresPerUnit = 0.0254});
+    const independent::MeshFile mesh = workplace.Mesh("b.im");
+    EXPECT_EQ(CompareWithTruth(mesh, truth), "");
+    EXPECT_EQ(mesh.influences.size(), workplace.Mesh("a.im").influences.size());
     ExpectSameMotion(workplace.Animation("a.kin"), workplace.Animation("b.kin"));
   }
 }

@@ -36,26 +36,21 @@ TEST_P(OutputPath, NamesBothFiles) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(All, OutputPath,
-                         testing::Values(PathCase{"", "moving"}, PathCase{"x", "x"},
-                                         PathCase{"./x", "x"}, PathCase{"../a.b/x", "../a.b/x"},
-                                         PathCase{"x.im", "x"}, PathCase{"x.KIN", "x"},
-                                         PathCase{"x.y", "x.y"}, PathCase{"x.y.im", "x.y"},
-                                         PathCase{"folder", "folder/moving"},
-                                         PathCase{"folder/", "folder/moving"},
-                                         PathCase{"../a.b", "../a.b/moving"},
-                                         PathCase{"Größe 日本/Übung", "Größe 日本/Übung"}));
+INSTANTIATE_TEST_SUITE_P(
+    All, OutputPath,
+    testing::Values(PathCase{"", "moving"}, PathCase{"x", "x"}, PathCase{"../a.b/x", "../a.b/x"},
+                    PathCase{"x.im", "x"}, PathCase{"x.KIN", "x"}, PathCase{"x.y", "x.y"},
+                    PathCase{"x.y.im", "x.y"}, PathCase{"folder", "folder/moving"},
+                    PathCase{"folder/", "folder/moving"}, PathCase{"../a.b", "../a.b/moving"},
+                    PathCase{"Größe 日本/Übung", "Größe 日本/Übung"}));
 
-TEST(TexturePaths, BareNameCollectsIntoThisFolder) {
-  const Workplace place;
-  const Outcome run =
-      place.Export(DataFile("everything.gltf"), "out", {"--no-animation", "--collect-textures"});
-  EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_EQ(place.Names(),
-            (Names{"out.im", "wall.png", "wall.texture.txt", "glass.png", "glass-glass.texture.txt",
-                   "notile_rivets.png", "notile_rivets.texture.txt", "rivets_n.png",
-                   "rivets_n.texture.txt", "straße.png", "straße.texture.txt"}));
-  EXPECT_EQ(place.Content("straße.png"), ContentOf(DataFile("textures/straße.png")));
+TEST(ExportOptions, ChooseTheFiles) {
+  for (const auto& [option, file] :
+       {std::pair("--no-animation", "out.im"), std::pair("--no-geometry", "out.kin")}) {
+    const Workplace place;
+    EXPECT_EQ(place.Export(kMoving, "out", {option}).status, 0);
+    EXPECT_EQ(place.Names(), Names{file});
+  }
 }
 
 // The scene in a folder with accents and a blank, its textures in a folder that only --textures
@@ -89,6 +84,7 @@ TEST(SecondExport, GivesTheSameBytesAndAsksNothing) {
   const Outcome first = place.Export(DataFile("everything.gltf"), "out", collect);
   EXPECT_EQ(first.Count("Skipping existing file"), 0);
   const auto files = place.Files();
+  EXPECT_EQ(files.size(), 11u);  // the mesh, five textures and what describes them
 
   const Outcome second = place.Export(DataFile("everything.gltf"), "out", collect);
   EXPECT_EQ(second.status, 0) << second.err;
@@ -122,10 +118,6 @@ TEST(Settings, AreKeptOnlyWhereTold) {
   EXPECT_EQ(place.Mesh("out.im").chunks[0].shininess, 32.0f);
   EXPECT_EQ(place.Export(kMoving, "out").status, 0);
   EXPECT_NE(place.Mesh("out.im").chunks[0].shininess, 32.0f);
-
-  // Which files to write is asked anew each time.
-  EXPECT_EQ(place.Export(kMoving, "out", {"--settings", "kept", "--no-geometry"}).status, 0);
-  EXPECT_EQ(place.Export(kMoving, "out", {"--settings", "kept"}).status, 0);
 }
 
 }  // namespace

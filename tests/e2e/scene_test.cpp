@@ -83,15 +83,6 @@ TEST(ExportedGrid, IsSplitAndComplete) {
   EXPECT_EQ(CompareWithTruth(file, EvaluateScene(place.Path("grid.glb"), {})), "");
 }
 
-TEST(ExportedNodes, AreMergedIntoOneChunk) {
-  const Workplace place;
-  WriteContent(place.Path("nodes.glb"), NodesGlb(50));
-  EXPECT_EQ(place.Export("nodes.glb", "nodes", {"--no-animation"}).status, 0);
-  const independent::MeshFile file = place.Mesh("nodes.im");
-  EXPECT_EQ(MaterialNames(file), Names{"grid.m.onetex"});
-  EXPECT_EQ(CompareWithTruth(file, EvaluateScene(place.Path("nodes.glb"), {})), "");
-}
-
 TEST(ExportedMaterials, AreThoseOfTheScene) {
   const Workplace place;
   const Outcome run = place.Export(kEverything, "out", {"--no-animation"});
