@@ -19,6 +19,7 @@ inline std::string ExampleFile(const std::string& name) { return ORV_EXAMPLES "/
 struct ExportedVertex {
   struct Pull {
     std::string bone;
+    size_t ordinal;  // which one of the chunk's bones of this name, they need not be one
     double weight;
     Point offset;
   };
@@ -41,11 +42,14 @@ class ExportedSkin {
       }
     }
     for (const independent::Influence& bone : mesh.influences) {
+      std::map<uint32_t, size_t> ordinals;
       for (const independent::Match& match : bone.matches) {
+        const size_t ordinal = ordinals[match.chunk]++;
         for (const independent::Weight& entry : match.weights) {
           const auto [x, y, z] = entry.offset;
           m_vertices.at(firsts.at(match.chunk) + static_cast<size_t>(entry.vertex))
-              .pulls.push_back({scene.NodeNameOf(bone.name), entry.weight, Point(x, y, z)});
+              .pulls.push_back(
+                  {scene.NodeNameOf(bone.name), ordinal, entry.weight, Point(x, y, z)});
         }
       }
     }
