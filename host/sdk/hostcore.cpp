@@ -7,21 +7,13 @@ namespace {
 orv::HostCore* s_core = nullptr;
 }
 
-void orv::SetHostCore(HostCore* core) {
-  s_core = core;
-}
+void orv::SetHostCore(HostCore* core) { s_core = core; }
 
-double GetMasterScale(int unitCode) {
-  return s_core ? s_core->MasterScale(unitCode) : 1.0;
-}
+double GetMasterScale(int unitCode) { return s_core ? s_core->MasterScale(unitCode) : 1.0; }
 
-int GetTicksPerFrame() {
-  return s_core ? s_core->TicksPerFrame() : 160;
-}
+int GetTicksPerFrame() { return s_core ? s_core->TicksPerFrame() : 160; }
 
-int GetFrameRate() {
-  return s_core ? s_core->FrameRate() : 30;
-}
+int GetFrameRate() { return s_core ? s_core->FrameRate() : 30; }
 
 BOOL BMMGetFullFilename(BitmapInfo* info) {
   char found[4096];

@@ -14,15 +14,11 @@ struct Vector {
 Vector Between(const Point3& from, const Point3& to) {
   return {double{to.x} - from.x, double{to.y} - from.y, double{to.z} - from.z};
 }
-double Dot(const Vector& a, const Vector& b) {
-  return a.x * b.x + a.y * b.y + a.z * b.z;
-}
+double Dot(const Vector& a, const Vector& b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 Vector Cross(const Vector& a, const Vector& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-double Length(const Vector& v) {
-  return std::sqrt(Dot(v, v));
-}
+double Length(const Vector& v) { return std::sqrt(Dot(v, v)); }
 
 Point3 Narrow(const Vector& v, double divisor) {
   if (divisor == 0) return Point3();

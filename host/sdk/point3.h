@@ -22,9 +22,7 @@ class Point3 {
   constexpr bool operator==(const Point3&) const = default;
 };
 
-constexpr Point3 operator*(float f, const Point3& p) {
-  return p * f;
-}
+constexpr Point3 operator*(float f, const Point3& p) { return p * f; }
 
 constexpr float DotProd(const Point3& a, const Point3& b) {
   return a.x * b.x + a.y * b.y + a.z * b.z;
@@ -32,9 +30,7 @@ constexpr float DotProd(const Point3& a, const Point3& b) {
 constexpr Point3 CrossProd(const Point3& a, const Point3& b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-inline float Length(const Point3& p) {
-  return std::sqrt(DotProd(p, p));
-}
+inline float Length(const Point3& p) { return std::sqrt(DotProd(p, p)); }
 
 // A point of length 0 stays as it is.
 inline Point3 Normalize(const Point3& p) {

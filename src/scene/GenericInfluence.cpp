@@ -6,9 +6,7 @@ namespace orv {
 
 namespace {
 
-constexpr char LowerCaseAscii(char c) {
-  return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c;
-}
+constexpr char LowerCaseAscii(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
 
 }  // namespace
 

@@ -35,9 +35,7 @@ bool HasEveryPropertyOf(const GenericMaterial& a, const GenericMaterial& b) {
 
 }  // namespace
 
-bool HasTypeSuffix(const std::string& name) {
-  return name.find("m.") != std::string::npos;
-}
+bool HasTypeSuffix(const std::string& name) { return name.find("m.") != std::string::npos; }
 
 bool MapsEqual(const MaterialMap& a, const MaterialMap& b) {
   return a.channel == b.channel && a.amount == b.amount &&

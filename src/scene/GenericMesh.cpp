@@ -13,9 +13,7 @@ void AppendAll(std::vector<T>& to, const std::vector<T>& from) {
   to.insert(to.end(), from.begin(), from.end());
 }
 
-int32_t Count(const auto& list) {
-  return static_cast<int32_t>(list.size());
-}
+int32_t Count(const auto& list) { return static_cast<int32_t>(list.size()); }
 
 // The sign test on the diagonal, not the determinant: a half turn counts as two mirrors and a
 // quarter turn hides one, as in every file already written.

@@ -2,25 +2,19 @@
 
 namespace orv {
 
-Vec3 operator*(Vec3 v, const Matrix33& m) {
-  return m[0] * v.x + m[1] * v.y + m[2] * v.z;
-}
+Vec3 operator*(Vec3 v, const Matrix33& m) { return m[0] * v.x + m[1] * v.y + m[2] * v.z; }
 
 Matrix33 Transpose(const Matrix33& m) {
   return {Vec3{m[0].x, m[1].x, m[2].x}, Vec3{m[0].y, m[1].y, m[2].y}, Vec3{m[0].z, m[1].z, m[2].z}};
 }
 
-Vec3 Matrix43::TransformPoint(Vec3 p) const {
-  return TransformVector(p) + rows[3];
-}
+Vec3 Matrix43::TransformPoint(Vec3 p) const { return TransformVector(p) + rows[3]; }
 
 Vec3 Matrix43::TransformVector(Vec3 v) const {
   return rows[0] * v.x + rows[1] * v.y + rows[2] * v.z;
 }
 
-Quaternion Conjugate(Quaternion q) {
-  return {-q.x, -q.y, -q.z, q.w};
-}
+Quaternion Conjugate(Quaternion q) { return {-q.x, -q.y, -q.z, q.w}; }
 
 Quaternion operator*(Quaternion a, Quaternion b) {
   return {
