@@ -5,7 +5,6 @@
 
 #include "convert/Pictures.h"
 #include "platform/ExString.h"
-#include "platform/Platform.h"
 
 namespace orv::convert {
 
@@ -13,24 +12,10 @@ namespace {
 
 constexpr uint32_t kClampToEdge = 33071, kRepeat = 10497;
 
-// The rest of a line that begins with the key.
-std::optional<std::string> ValueOf(const std::string& line, std::string_view key) {
-  if (!BeginsWithIgnoringCase(line, key)) return std::nullopt;
-  return std::string(FileNamePart(std::string_view(line).substr(key.size())));
-}
-
 }  // namespace
 
 Textures::Textures(const std::string& folder, GlbDocument& document, Messages& messages)
-    : m_document(document), m_messages(messages) {
-  namespace fs = std::filesystem;
-  std::error_code error;
-  const fs::path native = folder.empty() ? "." : platform::NativePath(folder);
-  for (fs::directory_iterator entry(native, error), end; !error && entry != end;
-       entry.increment(error)) {
-    m_files.emplace(LowerCase(entry->path().filename().string()), entry->path());
-  }
-}
+    : m_folder(folder), m_document(document), m_messages(messages) {}
 
 std::optional<Texture> Textures::Find(const std::string& name) {
   const std::string key = LowerCase(FileNamePart(name));
@@ -40,10 +25,9 @@ std::optional<Texture> Textures::Find(const std::string& name) {
 }
 
 std::optional<Texture> Textures::Make(const std::string& name) {
-  SideFile sideFile;
-  sideFile.primary = name;
-  if (LowerCase(name).ends_with(".texture")) {
-    const std::optional<SideFile> read = ReadSideFile(name + ".txt");
+  inspect::SideFile sideFile{.primary = name, .alpha = "", .tileS = true, .tileT = true};
+  if (inspect::NamesSideFile(name)) {
+    const std::optional<inspect::SideFile> read = ReadSideFile(name + ".txt");
     if (!read) return std::nullopt;
     sideFile = *read;
   }
@@ -54,30 +38,19 @@ std::optional<Texture> Textures::Make(const std::string& name) {
   return Texture{texture, !sideFile.alpha.empty()};
 }
 
-std::optional<Textures::SideFile> Textures::ReadSideFile(const std::string& name) {
-  const auto found = m_files.find(LowerCase(name));
-  if (found == m_files.end()) {
+std::optional<inspect::SideFile> Textures::ReadSideFile(const std::string& name) {
+  const std::filesystem::path* const path = m_folder.Find(name);
+  if (!path) {
     m_messages.mended.push_back(name + ": is not beside the model, its texture is left out");
     return std::nullopt;
   }
-  SideFile sideFile;
-  sideFile.tileS = sideFile.tileT = false;
-  std::ifstream in(found->second);
-  for (std::string line; std::getline(in, line);) {
-    const std::string text = ExString(line.c_str()).TrimWhiteSpace().CStr();
-    if (const auto value = ValueOf(text, "primary=")) sideFile.primary = *value;
-    if (const auto value = ValueOf(text, "alpha=")) sideFile.alpha = *value;
-    if (const auto value = ValueOf(text, "tile=")) {
-      sideFile.tileS = value->find('s') != std::string::npos;
-      sideFile.tileT = value->find('t') != std::string::npos;
-    }
-  }
+  const inspect::SideFile sideFile = inspect::ReadSideFile(*path);
   if (!sideFile.primary.empty()) return sideFile;
   m_messages.mended.push_back(name + ": has no line \"Primary=\", its texture is left out");
   return std::nullopt;
 }
 
-std::optional<size_t> Textures::ImageOf(const SideFile& sideFile) {
+std::optional<size_t> Textures::ImageOf(const inspect::SideFile& sideFile) {
   const std::string alphaName =
       EqualIgnoringCase(sideFile.alpha, sideFile.primary) ? "" : sideFile.alpha;
   const auto [known, isNew] =
@@ -101,16 +74,16 @@ std::optional<size_t> Textures::ImageOf(const SideFile& sideFile) {
 }
 
 std::optional<std::string> Textures::ReadBeside(const std::string& name) {
-  const auto found = m_files.find(LowerCase(name));
-  if (found == m_files.end()) {
+  const std::filesystem::path* const path = m_folder.Find(name);
+  if (!path) {
     m_messages.mended.push_back(name + ": is not beside the model, left out");
     return std::nullopt;
   }
-  std::ifstream in(found->second, std::ios::binary);
+  std::ifstream in(*path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-size_t Textures::SamplerOf(const SideFile& sideFile) {
+size_t Textures::SamplerOf(const inspect::SideFile& sideFile) {
   const auto [known, isNew] = m_samplers.try_emplace({sideFile.tileS, sideFile.tileT});
   if (isNew) {
     known->second =

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
+#include <utility>
 
 #include "convert/GlbDocument.h"
 #include "convert/Messages.h"
+#include "inspect/ModelFolder.h"
 
 namespace orv::convert {
 
@@ -27,20 +27,15 @@ class Textures {
   std::optional<Texture> Find(const std::string& name);
 
  private:
-  struct SideFile {
-    std::string primary, alpha;  // names without folder; "" for none
-    bool tileS = true, tileT = true;
-  };
-
   std::optional<Texture> Make(const std::string& name);
-  std::optional<SideFile> ReadSideFile(const std::string& name);
-  std::optional<size_t> ImageOf(const SideFile& sideFile);
+  std::optional<inspect::SideFile> ReadSideFile(const std::string& name);
+  std::optional<size_t> ImageOf(const inspect::SideFile& sideFile);
   std::optional<std::string> ReadBeside(const std::string& name);
-  size_t SamplerOf(const SideFile& sideFile);
+  size_t SamplerOf(const inspect::SideFile& sideFile);
 
-  GlbDocument& m_document;                                         // not owned
-  Messages& m_messages;                                            // not owned
-  std::unordered_map<std::string, std::filesystem::path> m_files;  // by name in lower case
+  inspect::ModelFolder m_folder;
+  GlbDocument& m_document;  // not owned
+  Messages& m_messages;     // not owned
   std::map<std::string, std::optional<Texture>> m_made;
   std::map<std::pair<std::string, std::string>, std::optional<size_t>> m_images;
   std::map<std::pair<bool, bool>, size_t> m_samplers;
