@@ -39,7 +39,7 @@ void TerminalDialogs::WaitForLogClosed(int /*owner*/) { m_terminal.ClearProgress
 
 void TerminalDialogs::CloseLog() {}
 
-ButtonResult TerminalDialogs::Ask(const char* /*caption*/, const char* text) {
+ButtonResult TerminalDialogs::Ask(int /*kind*/, const char* /*caption*/, const char* text) {
   while (CanPrompt()) {
     const std::string answer = m_terminal.Ask(
         std::string(text) + "[y]es, yes to [a]ll, [n]o, no to all ([k]eep them), Enter for no: ");

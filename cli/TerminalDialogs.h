@@ -21,7 +21,7 @@ class TerminalDialogs : public ExportDialogs {
   void Log(Severity severity, const char* text) override;
   void WaitForLogClosed(int owner) override;
   void CloseLog() override;
-  ButtonResult Ask(const char* caption, const char* text) override;
+  ButtonResult Ask(int kind, const char* caption, const char* text) override;
   bool CanPrompt() override;
 
   int ErrorCount() const { return m_errorCount; }

@@ -47,7 +47,7 @@ class ScriptedDialogs : public ExportDialogs {
     onWait();
   }
   void CloseLog() override { calls.push_back("close"); }
-  ButtonResult Ask(const char*, const char*) override {
+  ButtonResult Ask(int, const char*, const char*) override {
     calls.push_back("ask");
     return answer;
   }

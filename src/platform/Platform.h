@@ -36,18 +36,36 @@ std::string HostExecutablePath();
 enum class Buttons { Ok, YesNo };
 enum class Icon { Error, Warning, Information, Question };
 
+// Windows for a system that has none of its own; each call says what the function of its name
+// below does.
+class Windows {
+ public:
+  virtual bool CanShow() = 0;  // false: the other calls are not to be made
+  virtual bool ShowMessageBox(const char* text, const char* caption, Buttons buttons,
+                              Icon icon) = 0;
+  virtual void ShowAboutBox() = 0;
+  virtual std::optional<std::string> PickEventFile() = 0;
+
+ protected:
+  ~Windows() = default;
+};
+
+// Lent; null takes them away. Ignored on a system that has windows of its own.
+void UseWindows(Windows* windows);
+
 // A modal box without owner; returns true when the user answers Yes. Without a way to show
 // one the text goes to standard error and the answer is no.
 bool ShowMessageBox(const char* text, const char* caption, Buttons buttons, Icon icon);
 
-// The modal About box. owner: the host's window handle, or null.
+// The modal About box; without a way to show it the text goes to standard error. owner: the host's
+// window handle, or null.
 void ShowAboutBox(void* owner, void* creationParameter);
 
 // Copies one file. silent: no progress window, no error box, no question; noQuestions: no error
 // box, no question. Returns whether the file arrived.
 bool CopyOneFile(const std::string& from, const std::string& to, bool noQuestions, bool silent);
 
-// Asks for an existing event file ("*.evt"); nothing when the user cancels.
+// Asks for an existing event file ("*.evt"); nothing when the user cancels or cannot be asked.
 std::optional<std::string> PickEventFile();
 
 // The path as the file system takes it: on systems with "/" alone, every "\\" becomes "/".

@@ -58,6 +58,7 @@ ORV_ENTRY int UseHostServices(const orv::HostServices* services) {
   orv::SetHostCore(services->core);
 #endif
   orv::ManageDialog::UseDialogs(services->dialogs);
+  if (services->ownDialogs) *services->ownDialogs = &orv::ManageDialog::OwnDialogs();
   orv::OrvExporter::s_settingsFolder = services->settingsFolder;
   return 1;
 }

@@ -15,15 +15,24 @@ class ExportDialogs {
  public:
   virtual ~ExportDialogs() = default;
 
+  // Brackets what an export shows; the options dialog may come before it. False: there are no
+  // windows, and the other calls show nothing.
+  virtual bool Prepare() { return true; }
+  virtual void Release() {}
+
   // Edits the options in place; false when the user cancels.
   virtual bool ShowOptions(int owner, Options& options) = 0;
 
   virtual void OpenLog(int owner) = 0;
   virtual void Log(Severity severity, const char* text) = 0;  // one line, also without a window
+  // Called often during an export, for windows that would freeze otherwise.
+  virtual void HandleMessages() {}
+  // Returns at once when the user has closed the log already.
   virtual void WaitForLogClosed(int owner) = 0;
   virtual void CloseLog() = 0;
 
-  virtual ButtonResult Ask(const char* caption, const char* text) = 0;
+  // kind: 0 with a button to cancel, 1 without.
+  virtual ButtonResult Ask(int kind, const char* caption, const char* text) = 0;
   virtual bool CanPrompt() = 0;  // false: nobody is there to answer Ask
 };
 

@@ -65,11 +65,23 @@ std::string FindBitmap(const std::string& name) {
 
 }  // namespace
 
+// The windows hand on the host's messages while they are open, so the user can ask for a second
+// export before the first one has ended.
 int OrvExporter::DoExport(const TCHAR* name, ExpInterface* /*ei*/, Interface* host,
                           BOOL /*suppressPrompts*/, DWORD options) {
+  static bool s_running = false;
+  if (s_running) {
+    CatchAll([] {
+      platform::ShowMessageBox("An export is running, or its log is still open.", "Velmor Exporter",
+                               platform::Buttons::Ok, platform::Icon::Information);
+    });
+    return 1;
+  }
+  s_running = true;
   m_host = host;
   int result = 1;
   CatchAll([&] { result = ExportAndReport(name, options); });
+  s_running = false;
   if (m_geometry) m_geometry->Clear();
   if (m_animation) m_animation->Clear();
   return result;

@@ -17,6 +17,7 @@ struct HostServices {
   HostCore* core = nullptr;              // null: the SDK's defaults
   ExportDialogs* dialogs = nullptr;      // null: the plug-in's own windows
   const char* settingsFolder = nullptr;  // stands for the user's application-data folder
+  ExportDialogs** ownDialogs = nullptr;  // receives the plug-in's own windows, to build upon
 };
 
 // The library's one entry of our own, exported as "UseHostServices". Null goes back to the

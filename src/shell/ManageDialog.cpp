@@ -1,29 +1,24 @@
 #include "shell/ManageDialog.h"
 
+#include "dialogs/FormsDialogs.h"
 #include "platform/Platform.h"
 
 namespace orv {
 namespace {
 
-// In place of windows that this build does not have: says so, and every export is cancelled.
-class NoDialogs : public ExportDialogs {
- public:
-  bool ShowOptions(int, Options&) override {
-    platform::ShowMessageBox(
-        "The exporter's windows are not available here, so nothing is exported.\n"
-        "Use the command line, or a host that brings dialogs of its own.",
-        "Velmor Exporter", platform::Buttons::Ok, platform::Icon::Error);
-    return false;
+// For calls from managed code.
+template <typename Body>
+void WithoutExceptions(Body body) noexcept {
+  try {
+    body();
+  } catch (...) {
   }
-  void OpenLog(int) override {}
-  void Log(Severity, const char*) override {}
-  void WaitForLogClosed(int) override {}
-  void CloseLog() override {}
-  ButtonResult Ask(const char*, const char*) override { return ButtonResult::None; }
-  bool CanPrompt() override { return false; }
-};
+}
 
-NoDialogs s_ownDialogs;
+FormsDialogs s_ownDialogs({
+    [] { ManageDialog::LogWindowSignalsClose(); },
+    [](const char* text) { WithoutExceptions([&] { ManageDialog::LogErrorText(text); }); },
+});
 ExportDialogs* s_dialogs = &s_ownDialogs;
 
 }  // namespace
@@ -33,11 +28,14 @@ int ManageDialog::s_numWarnings = 0;
 
 void ManageDialog::UseDialogs(ExportDialogs* dialogs) {
   s_dialogs = dialogs ? dialogs : &s_ownDialogs;
+  platform::UseWindows(dialogs ? nullptr : &s_ownDialogs);
 }
 
-bool ManageDialog::InitManagedResources() { return true; }
+ExportDialogs& ManageDialog::OwnDialogs() { return s_ownDialogs; }
 
-void ManageDialog::DestroyManagedResources() {}
+bool ManageDialog::InitManagedResources() { return s_dialogs->Prepare(); }
+
+void ManageDialog::DestroyManagedResources() { s_dialogs->Release(); }
 
 bool ManageDialog::ShowExporterDialog(int owner) {
   return s_dialogs->ShowOptions(owner, Options::Instance());
@@ -48,6 +46,10 @@ void ManageDialog::OpenLogWindow(int owner) {
   s_numWarnings = 0;
   s_dialogs->OpenLog(owner);
 }
+
+void ManageDialog::HandleLogWindowMessages() { s_dialogs->HandleMessages(); }
+
+void ManageDialog::LogWindowSignalsClose() { s_ownDialogs.LogHasClosed(); }
 
 void ManageDialog::WaitForUserToCloseLogWindow(int owner) { s_dialogs->WaitForLogClosed(owner); }
 
@@ -65,8 +67,8 @@ void ManageDialog::LogErrorText(const char* text) {
   s_dialogs->Log(Severity::Error, text);
 }
 
-ButtonResult ManageDialog::MessageBoxExt(int /*kind*/, const char* caption, const char* text) {
-  return s_dialogs->Ask(caption, text);
+ButtonResult ManageDialog::MessageBoxExt(int kind, const char* caption, const char* text) {
+  return s_dialogs->Ask(kind, caption, text);
 }
 
 bool ManageDialog::CanPrompt() { return s_dialogs->CanPrompt(); }

@@ -10,13 +10,16 @@ class ManageDialog {
  public:
   // Null: the plug-in's own windows. The dialogs are lent.
   static void UseDialogs(ExportDialogs* dialogs);
+  static ExportDialogs& OwnDialogs();
 
   static bool InitManagedResources();
   static void DestroyManagedResources();
 
   static bool ShowExporterDialog(int owner);  // false: cancelled
 
-  static void OpenLogWindow(int owner);  // sets the counters to 0
+  static void OpenLogWindow(int owner);   // sets the counters to 0
+  static void HandleLogWindowMessages();  // to be called often while an export runs
+  static void LogWindowSignalsClose();    // the plug-in's own log window has gone
   static void WaitForUserToCloseLogWindow(int owner);
   static void CloseLogWindow();
 

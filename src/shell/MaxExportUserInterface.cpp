@@ -55,6 +55,7 @@ void MaxExportUserInterface::SetProgress(float fraction) {
   const int oldPercent = static_cast<int>(100 * m_fraction);
   m_fraction = std::min(std::max(0.0f, fraction), 1.0f);  // 0 for a NaN
   if (100 * m_fraction != static_cast<float>(oldPercent)) UpdateHostBar();
+  ManageDialog::HandleLogWindowMessages();
 }
 
 void MaxExportUserInterface::UpdateHostBar() {

@@ -25,6 +25,9 @@ const char* Environment(const char* name) {
 std::string Reason(int error) { return std::generic_category().message(error); }
 
 void* s_moduleInstance = nullptr;
+Windows* s_windows = nullptr;
+
+bool CanShowWindows() { return s_windows && s_windows->CanShow(); }
 
 }  // namespace
 
@@ -59,13 +62,18 @@ std::string HostExecutablePath() {
   return fs::read_symlink("/proc/self/exe", error).string();
 }
 
-// There are no windows here yet: a message goes to standard error and nobody answers it.
-bool ShowMessageBox(const char* text, const char* caption, Buttons, Icon) {
+void UseWindows(Windows* windows) { s_windows = windows; }
+
+bool ShowMessageBox(const char* text, const char* caption, Buttons buttons, Icon icon) {
+  if (CanShowWindows()) return s_windows->ShowMessageBox(text, caption, buttons, icon);
   std::fprintf(stderr, "%s: %s\n", caption, text);
   return false;
 }
 
-void ShowAboutBox(void*, void*) { std::fprintf(stderr, "Orv Exporter\n%s\n", ORV_COPYRIGHT); }
+void ShowAboutBox(void*, void*) {
+  if (CanShowWindows()) return s_windows->ShowAboutBox();
+  std::fprintf(stderr, "Orv Exporter\n%s\n", ORV_COPYRIGHT);
+}
 
 // Nothing is ever shown or asked, whatever the caller would allow. The copy gets its name when it
 // is complete, so that a full disk leaves no half of a texture behind.
@@ -83,8 +91,9 @@ bool CopyOneFile(const std::string& from, const std::string& to, bool, bool) {
   return false;
 }
 
-// There is no picker here yet: as if the user had cancelled it.
-std::optional<std::string> PickEventFile() { return std::nullopt; }
+std::optional<std::string> PickEventFile() {
+  return CanShowWindows() ? s_windows->PickEventFile() : std::nullopt;
+}
 
 std::string NativePath(const std::string& path) {
   std::string native = path;
