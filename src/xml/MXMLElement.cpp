@@ -187,6 +187,9 @@ void MXMLElement::SetAttributeFormat(const char* name, const char* format, ...) 
 
 // The same as SetAttribute for each pair in turn, in linear time: nobody bounds the count.
 void MXMLElement::SetParsedAttributes(const char* const* pairs) {
+  size_t count = 0;
+  while (pairs[2 * count]) ++count;
+  m_attributes.reserve(count);
   std::unordered_map<const char*, size_t> positions;  // by interned name
   for (; *pairs; pairs += 2) {
     const auto [known, isNew] =

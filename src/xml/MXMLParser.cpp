@@ -1,7 +1,10 @@
 #include "xml/MXMLParser.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <vector>
 
 #include "xml/MXMLWriter.h"
 
@@ -21,6 +24,13 @@ bool IsNameStart(char c) {
 bool IsNameCharacter(char c) {
   return IsNameStart(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
 }
+
+// What follows a zero byte in the text is not kept.
+void AppendText(std::string& list, const std::string& text) {
+  list.append(text.c_str(), std::strlen(text.c_str()) + 1);
+}
+
+size_t LastTextOf(const std::string& list) { return list.rfind('\0', list.size() - 2) + 1; }
 
 }  // namespace
 
@@ -95,7 +105,8 @@ bool MXMLParser::TakeTopLevel(char c) {
 
 bool MXMLParser::TakeText(char c) {
   if (c == '<') {
-    if (!m_text.empty()) m_callbacks.content(m_callbacks.user, MXMLContent::Text, m_text.c_str());
+    // What follows a zero byte is not kept, and a text of nothing is none.
+    if (*m_text.c_str()) m_callbacks.content(m_callbacks.user, MXMLContent::Text, m_text.c_str());
     return Go(State::kMarkup);
   }
   return TakeCharacterOrReference(c);
@@ -163,7 +174,7 @@ bool MXMLParser::TakeNameStart(State nameState, char c) {
 
 bool MXMLParser::TakeStartName(char c) {
   if (IsNameCharacter(c)) return TakeCharacter(c);
-  m_openNames.push_back(m_text);
+  AppendText(m_openNames, m_text);
   m_attributes.clear();
   return TakeTagPartEnd(c, "unexpected character '%c'");
 }
@@ -181,7 +192,7 @@ bool MXMLParser::TakeTagSpace(char c) {
 
 bool MXMLParser::TakeAttributeName(char c) {
   if (IsNameCharacter(c)) return TakeCharacter(c);
-  m_attributes.push_back(m_text);
+  AppendText(m_attributes, m_text);
   return TakeAttributeEquals(c);
 }
 
@@ -197,7 +208,7 @@ bool MXMLParser::TakeValueStart(char c) {
 
 bool MXMLParser::TakeValue(char c) {
   if (c != '"') return TakeCharacterOrReference(c);
-  m_attributes.push_back(m_text);
+  AppendText(m_attributes, m_text);
   return Go(State::kValueEnd);
 }
 
@@ -205,12 +216,17 @@ bool MXMLParser::TakeEmptyTag(char c) {
   return c == '>' ? StartElement() && EndElement() : Fail("unexpected char '%c'", c);
 }
 
+const char* MXMLParser::OpenName() const { return m_openNames.c_str() + LastTextOf(m_openNames); }
+
 bool MXMLParser::StartElement() {
   std::vector<const char*> attributes;
-  attributes.reserve(m_attributes.size() + 1);
-  for (const std::string& text : m_attributes) attributes.push_back(text.c_str());
+  const auto count = std::count(m_attributes.begin(), m_attributes.end(), '\0');
+  attributes.reserve(static_cast<size_t>(count) + 1);
+  for (size_t at = 0; at < m_attributes.size(); at += std::strlen(attributes.back()) + 1) {
+    attributes.push_back(m_attributes.c_str() + at);
+  }
   attributes.push_back(nullptr);
-  m_callbacks.startElement(m_callbacks.user, m_openNames.back().c_str(), attributes.data());
+  m_callbacks.startElement(m_callbacks.user, OpenName(), attributes.data());
   return Go(State::kText);
 }
 
@@ -218,7 +234,7 @@ bool MXMLParser::StartElement() {
 
 bool MXMLParser::TakeEndName(char c) {
   if (IsNameCharacter(c)) return TakeCharacter(c);
-  if (m_text != m_openNames.back()) return Fail("end tag does not match start tag,");
+  if (m_text != OpenName()) return Fail("end tag does not match start tag,");
   if (IsWhiteSpace(c)) return Go(State::kEndTagSpace);
   return c == '>' ? EndElement() : Fail("unexpected character '%c'", c);
 }
@@ -229,7 +245,7 @@ bool MXMLParser::TakeEndTagSpace(char c) {
 }
 
 bool MXMLParser::EndElement() {
-  m_openNames.pop_back();
+  m_openNames.resize(LastTextOf(m_openNames));
   m_hasRoot |= m_openNames.empty();
   m_callbacks.endElement(m_callbacks.user);
   return LeaveMarkup();

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace orv {
 
@@ -85,6 +84,7 @@ class MXMLParser {
   bool TakeNumber();
   bool TakeEntity();
 
+  const char* OpenName() const;  // of the innermost element that is not closed
   bool StartElement();
   bool EndElement();
   bool LeaveMarkup();
@@ -97,8 +97,10 @@ class MXMLParser {
   State m_referenceIn = State::kText;  // where a reference's character goes
   std::string m_text;                  // the token being read
   std::string m_reference;
-  std::vector<std::string> m_openNames;   // of the elements that are not closed, the root first
-  std::vector<std::string> m_attributes;  // name, value, name, value, ...
+  // Texts end to end, each with its zero byte: a string object for each would take many times the
+  // memory of the document.
+  std::string m_openNames;   // of the elements that are not closed, the root first
+  std::string m_attributes;  // name, value, name, value, ...
   bool m_hasRoot = false;
   Status m_status = kMore;
   uint32_t m_line = 1;
