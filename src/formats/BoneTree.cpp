@@ -1,5 +1,7 @@
 #include "formats/BoneTree.h"
 
+#include <stack>
+
 #include "formats/ChunkStream.h"
 #include "formats/FileVersions.h"
 
@@ -45,15 +47,19 @@ UnfinishedBone BeginBone(std::ostream& out, const GenericSkeleton::Node& bone,
 }  // namespace
 
 void ReadBoneTree(ChunkReader& in, std::vector<BoneNode>& bones, std::vector<BonePose>* poses) {
-  std::vector<OpenBone> open{EnterBone(in, -1, bones, poses)};
+  const size_t minBytesEach = kMinBoneBytes + (poses ? sizeof(BonePose) : 0);
+  bones.reserve(in.BytesLeft() / minBytesEach);
+  if (poses) poses->reserve(in.BytesLeft() / minBytesEach);
+  std::stack<OpenBone> open;
+  open.push(EnterBone(in, -1, bones, poses));
   while (!open.empty()) {
-    OpenBone& bone = open.back();
+    OpenBone& bone = open.top();
     if (bone.childrenLeft == 0) {
       in.LeaveChunk();
-      open.pop_back();
+      open.pop();
     } else {
       --bone.childrenLeft;
-      open.push_back(EnterBone(in, bone.index, bones, poses));
+      open.push(EnterBone(in, bone.index, bones, poses));
     }
   }
 }

@@ -12,6 +12,7 @@ namespace orv {
 
 namespace {
 
+constexpr size_t kMaxRemarks = 64;             // a file with more is damaged throughout
 constexpr size_t kReadStep = size_t{1} << 20;  // a size that the file claims is not believed
 
 // A tag from a damaged file, fit for a message.
@@ -158,7 +159,7 @@ void ChunkReader::Fail(ReadFault fault, const std::string& text, size_t stepBack
 }
 
 void ChunkReader::Remark(ReadFault fault, const std::string& text) {
-  m_remarks.push_back({fault, m_position, Path(), text});
+  if (m_remarks.size() < kMaxRemarks) m_remarks.push_back({fault, m_position, Path(), text});
 }
 
 void ChunkReader::Require(const char* what, size_t size) const {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -92,7 +93,7 @@ class ChunkReader {
 
   // stepBack: from here to the field at fault, in bytes.
   [[noreturn]] void Fail(ReadFault fault, const std::string& text, size_t stepBack = 0) const;
-  void Remark(ReadFault fault, const std::string& text);
+  void Remark(ReadFault fault, const std::string& text);  // the first 64 are kept
   std::vector<ReadProblem> TakeRemarks() { return std::move(m_remarks); }
 
  private:
@@ -111,7 +112,7 @@ class ChunkReader {
 
   std::string_view m_bytes;  // not owned
   size_t m_position = 0;
-  std::vector<OpenChunk> m_open;
+  std::deque<OpenChunk> m_open;  // grows without a copy: bones can be nested to any depth
   std::vector<ReadProblem> m_remarks;
 };
 

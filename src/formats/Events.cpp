@@ -6,6 +6,7 @@
 #include <iterator>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 #include "formats/ChunkStream.h"
 #include "formats/FileVersions.h"
@@ -17,6 +18,7 @@ namespace {
 
 constexpr size_t kMaxLineComment = 1024;  // characters, from the second slash on
 constexpr size_t kMaxName = 255;          // characters
+constexpr size_t kMinEntry = 11;          // characters, with the white space behind it
 constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 
 // Walks over the text of an event file.
@@ -130,7 +132,8 @@ std::optional<int> ReadEvents(std::istream& in, std::vector<AnimationEvent>& eve
   if (!in.good()) return std::nullopt;
   std::ostringstream copy;
   copy << in.rdbuf();  // a read that fails, as a folder's does, is just the end
-  const std::string content = copy.str();
+  const std::string content = std::move(copy).str();
+  events.reserve(events.size() + content.size() / kMinEntry + 1);
   EventText text(content);
   for (text.SkipComments(); !text.AtEnd(); text.SkipComments()) {
     if (!ReadEntry(text, events)) return text.Line();

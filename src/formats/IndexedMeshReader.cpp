@@ -11,7 +11,8 @@ namespace {
 constexpr uint32_t kOldestVersion = 100;
 constexpr uint32_t kOldestMaterialVersion = 101;
 constexpr size_t kInfoPaddingAt103 = 20;  // bytes
-constexpr uint32_t kMaxListed = 4096;     // properties, maps: more than any material has
+constexpr uint32_t kMaxListed = 256;      // properties, maps: more than any material has
+constexpr size_t kMaxBoneName = 255;      // characters; each chunk that the bone moves has a copy
 
 // The smallest that an item can be, in bytes.
 constexpr size_t kMinChunkBytes = 124;
@@ -60,6 +61,7 @@ void ReadMaps(ChunkReader& in, std::vector<MaterialMap>& maps) {
   if (count > kMaxListed || count > in.BytesLeft() / kMinMapBytes + 1) {
     in.Fail(ReadFault::Count, "map count " + std::to_string(count) + " exceeds the chunk");
   }
+  maps.reserve(count);
   while (maps.size() < count && (in.BytesLeft() > 0 || maps.size() + 1 < count)) {
     MaterialMap& map = maps.emplace_back();
     map.channel = in.ReadI32();
@@ -165,9 +167,18 @@ void ReadChunks(ChunkReader& in, uint32_t count, IndexedMeshFile& file) {
   }
 }
 
+std::string ReadBoneName(ChunkReader& in) {
+  std::string name = in.ReadString();
+  if (name.size() > kMaxBoneName) {
+    in.Fail(ReadFault::Length, "a bone name of " + std::to_string(name.size()) +
+                                   " characters is beyond " + std::to_string(kMaxBoneName));
+  }
+  return name;
+}
+
 void ReadBoneInfluence(ChunkReader& in, IndexedMesh& mesh) {
-  const std::string name = in.ReadString();
-  const std::string parentName = in.ReadString();
+  const std::string name = ReadBoneName(in);
+  const std::string parentName = ReadBoneName(in);
   const Vec3 position = in.ReadVec3();
   Matrix33 rotation;
   in.ReadBlock(rotation.data(), sizeof(rotation), sizeof(float));
@@ -186,6 +197,7 @@ void ReadBoneInfluence(ChunkReader& in, IndexedMesh& mesh) {
 
 bool TryReadInfluences(ChunkReader& in, IndexedMesh& mesh) {
   if (!in.TryEnterChunk("INFL", kInfluencesVersion)) return false;
+  mesh.influences.reserve(mesh.chunks.size());
   for (size_t i = 0; i < mesh.chunks.size(); ++i) {
     mesh.influences.push_back(std::make_unique<ExGenericMeshInfluence>());
   }
