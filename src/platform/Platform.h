@@ -84,7 +84,7 @@ std::string WhyNotWritable(const std::string& path);
 // Renames over an existing file in one step, keeping that file's permissions; a link to a file
 // stays a link. False, with "from" still there, when the system refuses and when "to" can only be
 // written to (see FindReplaceableFile).
-bool ReplaceFile(const std::string& from, const std::string& to);
+bool RenameOnto(const std::string& from, const std::string& to);
 
 // What a new file may be renamed onto, by native path: the path itself; behind a link, the file it
 // stands for. "" for what can only be written to: a device, a pipe, a link to nothing.

@@ -106,7 +106,7 @@ bool ReplacingFile::Commit() {
 
 bool ReplacingFile::PutInPlace() {
   platform::CopyPermissions(m_target, m_temporary);
-  if (platform::ReplaceFile(m_temporary, m_target)) {
+  if (platform::RenameOnto(m_temporary, m_target)) {
     m_temporary.clear();
     return true;
   }

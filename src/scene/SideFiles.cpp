@@ -152,7 +152,7 @@ void SideFileWriter::ReplaceRemoved(const std::string& path, const std::string& 
     return;
   }
   LogOverwriting(path);
-  if (!platform::ReplaceFile(newPath, path)) {
+  if (!platform::RenameOnto(newPath, path)) {
     m_ui.LogError("Could not open texture file %s for writing.", path.c_str());
     m_ui.LogInfo("  its text is in %s", newPath.c_str());
   }

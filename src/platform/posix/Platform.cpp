@@ -130,7 +130,7 @@ std::string WhyNotWritable(const std::string& path) {
   return "";
 }
 
-bool ReplaceFile(const std::string& from, const std::string& to) {
+bool RenameOnto(const std::string& from, const std::string& to) {
   const std::string target = FindReplaceableFile(NativePath(to));
   if (target.empty()) return false;
   CopyPermissions(target, NativePath(from));
