@@ -29,6 +29,7 @@ struct ExportArguments {
   bool defaultColors = false;
   bool flipGreen = false;
   bool forceTextures = false;
+  bool dialogs = false;  // the plug-in's own windows; the rest is what they begin with
   bool noCheck = false;
   bool quiet = false;
 };
@@ -47,6 +48,7 @@ struct ConvertArguments {
 
 int RunExportCommand(ExportArguments arguments);
 int RunPluginCommand();
+int RunAboutCommand();
 int RunInfoCommand(const InspectArguments& arguments);
 int RunCheckCommand(const InspectArguments& arguments);
 int RunConvertCommand(const ConvertArguments& arguments);

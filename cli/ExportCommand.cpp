@@ -89,10 +89,12 @@ class FileWatch {
   State m_before;
 };
 
-// Which files are asked for is up to this command line alone, whatever an earlier run has left.
+// Which files are asked for is up to this command line alone, whatever an earlier run has left;
+// unless there are windows in which the user can change it again.
 void ApplyTo(Options& options, const ExportArguments& arguments) {
-  options.m_exportGeometry = !arguments.noGeometry;
-  options.m_exportAnimation = !arguments.noAnimation;
+  if (!arguments.dialogs) options.m_exportGeometry = options.m_exportAnimation = true;
+  if (arguments.noGeometry) options.m_exportGeometry = false;
+  if (arguments.noAnimation) options.m_exportAnimation = false;
   if (arguments.collectTextures) options.m_collectTextures = true;
   if (arguments.defaultColors) options.m_useDefaultColors = true;
   if (arguments.flipGreen) options.m_normalMapFlipGreen = true;
@@ -116,7 +118,7 @@ void CheckEventFile(const std::string& path) {
 }
 
 // Runs the export in the plug-in; what it says goes to the dialogs.
-void RunPlugin(host::Scene& scene, const std::string& name, const std::string& settingsFolder,
+void RunPlugin(host::Scene& scene, const std::string& name, const ExportArguments& arguments,
                Terminal& terminal, TerminalDialogs& dialogs) {
   host::MemoryHost memoryHost(scene, [&](int percent, const char* title) {
     title ? terminal.ShowProgress(percent, title) : terminal.ClearProgress();
@@ -125,8 +127,11 @@ void RunPlugin(host::Scene& scene, const std::string& name, const std::string& s
   HostServices services;
   services.core = &memoryHost;
   services.dialogs = &dialogs;
-  services.settingsFolder = settingsFolder.c_str();
+  services.settingsFolder = arguments.settingsFolder.c_str();
+  ExportDialogs* windows = nullptr;
+  services.ownDialogs = &windows;
   if (!library.UseHostServices(&services)) throw PluginError("the plug-in is of another version");
+  if (arguments.dialogs) dialogs.ShowWindows(windows);
   const std::unique_ptr<ClassDesc> descriptor(library.LibClassDesc(0));
   const std::unique_ptr<SceneExport> exporter(static_cast<SceneExport*>(descriptor->Create()));
   exporter->DoExport(name.c_str(), nullptr, &memoryHost, FALSE, 0);
@@ -160,10 +165,16 @@ bool IsSound(const std::string& path) {
 }
 
 // Says what became of each file; the exit status of the run.
-int Conclude(const std::vector<FileWatch>& files, const TerminalDialogs& dialogs,
+int Conclude(const FileWatch& model, const FileWatch& animation, const TerminalDialogs& dialogs,
              const ExportArguments& arguments) {
+  if (!dialogs.Started()) {
+    std::cerr << "orv: cancelled, nothing was written.\n";
+    return kStatusFileMissing;
+  }
   int status = dialogs.ErrorCount() > 0 ? kStatusErrorsLogged : kStatusSuccess;
-  for (const FileWatch& file : files) {
+  for (const auto& [file, askedFor] : {std::pair(model, dialogs.Started()->geometry),
+                                       std::pair(animation, dialogs.Started()->animation)}) {
+    if (!askedFor) continue;
     const std::optional<uintmax_t> size = file.SizeWhenWritten();
     if (!size) {
       std::cerr << "orv: " << file.Path()
@@ -190,13 +201,12 @@ int Export(ExportArguments& arguments) {
   for (const std::string& warning : scene->info.warnings) terminal.Log(Severity::Warning, warning);
 
   std::optional<PrivateFolder> privateSettings;
-  if (arguments.settingsFolder.empty()) arguments.settingsFolder = privateSettings.emplace().Path();
-  std::vector<FileWatch> files;
-  if (!arguments.noGeometry) files.emplace_back(stem + ".im");
-  if (!arguments.noAnimation) files.emplace_back(stem + ".kin");
+  if (arguments.settingsFolder.empty() && !arguments.dialogs)
+    arguments.settingsFolder = privateSettings.emplace().Path();
+  const FileWatch model(stem + ".im"), animation(stem + ".kin");
   TerminalDialogs dialogs(terminal, [&](Options& options) { ApplyTo(options, arguments); });
-  RunPlugin(*scene, stem + ".im", arguments.settingsFolder, terminal, dialogs);
-  return Conclude(files, dialogs, arguments);
+  RunPlugin(*scene, stem + ".im", arguments, terminal, dialogs);
+  return Conclude(model, animation, dialogs, arguments);
 }
 
 }  // namespace

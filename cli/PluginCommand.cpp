@@ -41,4 +41,12 @@ int RunPluginCommand() {
   return kStatusSuccess;
 }
 
+int RunAboutCommand() {
+  PluginLibrary library;
+  const std::unique_ptr<ClassDesc> descriptor(library.LibClassDesc(0));
+  const std::unique_ptr<SceneExport> exporter(static_cast<SceneExport*>(descriptor->Create()));
+  exporter->ShowAbout(nullptr);
+  return kStatusSuccess;
+}
+
 }  // namespace orv::cli

@@ -18,14 +18,23 @@ ButtonResult ButtonFor(const std::string& answer) {
 
 }  // namespace
 
-bool TerminalDialogs::ShowOptions(int /*owner*/, Options& options) {
+bool TerminalDialogs::ShowOptions(int owner, Options& options) {
   m_applyCommandLine(options);
+  if (m_windows && !m_windows->ShowOptions(owner, options)) return false;
+  m_started = {options.m_exportGeometry, options.m_exportAnimation};
   return true;
 }
 
-void TerminalDialogs::OpenLog(int /*owner*/) {}
+void TerminalDialogs::Release() {
+  if (m_windows) m_windows->Release();
+}
+
+void TerminalDialogs::OpenLog(int owner) {
+  if (m_windows) m_windows->OpenLog(owner);
+}
 
 void TerminalDialogs::Log(Severity severity, const char* text) {
+  if (m_windows) m_windows->Log(severity, text);
   if (IsSummary(text)) {
     m_terminal.Summary(severity, text);
     return;
@@ -35,11 +44,21 @@ void TerminalDialogs::Log(Severity severity, const char* text) {
   m_terminal.Log(severity, text);
 }
 
-void TerminalDialogs::WaitForLogClosed(int /*owner*/) { m_terminal.ClearProgress(); }
+void TerminalDialogs::HandleMessages() {
+  if (m_windows) m_windows->HandleMessages();
+}
 
-void TerminalDialogs::CloseLog() {}
+void TerminalDialogs::WaitForLogClosed(int owner) {
+  m_terminal.ClearProgress();
+  if (m_windows) m_windows->WaitForLogClosed(owner);
+}
 
-ButtonResult TerminalDialogs::Ask(int /*kind*/, const char* /*caption*/, const char* text) {
+void TerminalDialogs::CloseLog() {
+  if (m_windows) m_windows->CloseLog();
+}
+
+ButtonResult TerminalDialogs::Ask(int kind, const char* caption, const char* text) {
+  if (m_windows) return m_windows->Ask(kind, caption, text);
   while (CanPrompt()) {
     const std::string answer = m_terminal.Ask(
         std::string(text) + "[y]es, yes to [a]ll, [n]o, no to all ([k]eep them), Enter for no: ");
@@ -50,6 +69,8 @@ ButtonResult TerminalDialogs::Ask(int /*kind*/, const char* /*caption*/, const c
   return ButtonResult::No;
 }
 
-bool TerminalDialogs::CanPrompt() { return Terminal::InputIsTerminal(); }
+bool TerminalDialogs::CanPrompt() {
+  return m_windows ? m_windows->CanPrompt() : Terminal::InputIsTerminal();
+}
 
 }  // namespace orv::cli

@@ -97,15 +97,20 @@ void AddExportCommand(CLI::App& app, ExportArguments& arguments) {
                    "Have the engine flip the green channel of normal maps");
   command.add_flag("--force-textures", arguments.forceTextures,
                    "Overwrite .texture.txt files that are there already");
+  command.add_flag("--dialogs", arguments.dialogs,
+                   "Show the plug-in's own windows, as 3ds Max does; the options above are what "
+                   "they begin with");
   command
       .add_option("--settings", arguments.settingsFolder,
-                  "Keep the exporter's options file below this folder (default: forget them)")
+                  "Keep the exporter's options file below this folder (default: forget them; with "
+                  "--dialogs: the user's own)")
       ->type_name("DIR");
   command.add_flag("--no-check", arguments.noCheck, "Do not read back and check what was written");
   command.add_flag("-q,--quiet", arguments.quiet, "Show errors and the summary only");
   command.footer(
       "Exit status: 0 all written, no errors; 1 written, but the log or reading back has errors;\n"
-      "2 wrong usage or unreadable scene; 3 a file that was asked for is missing.");
+      "2 wrong usage or unreadable scene; 3 a file that was asked for is missing, or the options "
+      "dialog\nwas cancelled.");
 }
 
 void AddInspectCommand(CLI::App& app, const char* name, const char* description, const char* status,
@@ -182,6 +187,7 @@ int Run(int argc, char** argv) {
   ConvertArguments convertArguments;
   AddConvertCommand(app, convertArguments);
   app.add_subcommand("plugin", "Show what the plug-in library tells a host of itself");
+  app.add_subcommand("about", "Show the plug-in's About box");
   app.require_subcommand(1);
   for (CLI::App* command : app.get_subcommands({})) command->allow_extras();
   if (argc > 1 && !KnowsCommand(app, argv[1])) return kStatusBadUsage;
@@ -195,6 +201,7 @@ int Run(int argc, char** argv) {
   if (app.got_subcommand("info")) return RunInfoCommand(inspectArguments);
   if (app.got_subcommand("check")) return RunCheckCommand(inspectArguments);
   if (app.got_subcommand("convert")) return RunConvertCommand(convertArguments);
+  if (app.got_subcommand("about")) return RunAboutCommand();
   return RunPluginCommand();
 }
 

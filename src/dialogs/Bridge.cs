@@ -111,6 +111,7 @@ public static class Bridge {
 
   static void Report(Exception exception) {
     if (s_table.ReportException == null) throw exception;
+    exception = exception.GetBaseException();
     IntPtr text = MCUtil.StringToAnsi(exception.GetType() + ": " + exception.Message);
     s_table.ReportException(text);
     MCUtil.FreeAnsiString(text);
@@ -119,10 +120,8 @@ public static class Bridge {
   // Without an X server the toolkit throws the first time it is asked for anything.
   static bool CanShowWindows() {
     try {
-      return SystemInformation.VirtualScreen.Width > 0;
+      return Control.MousePosition.X >= int.MinValue;
     } catch (TypeInitializationException) {
-      return false;
-    } catch (ArgumentNullException) {
       return false;
     }
   }

@@ -8,7 +8,7 @@ public sealed class DialogAbout : Form {
   readonly Label m_name = new Label { Text = "Orv Exporter", AutoSize = true };
   readonly Label m_copyright = new Label { AutoSize = true, UseMnemonic = false };
   readonly Button m_buttonOk = new Button { Text = "OK", DialogResult = DialogResult.OK };
-  readonly TableLayoutPanel m_window = Look.Table<TableLayoutPanel>(100);
+  readonly TableLayoutPanel m_window = Look.Table(100);
 
   public DialogAbout(string copyright) {
     Look.Prepare(this, "Dialog");

@@ -16,7 +16,7 @@ public sealed class DialogLog : Form {
                                                      DetectUrls = false, Dock = DockStyle.Fill };
   readonly Button m_buttonCopy = new Button { Text = "&Copy to Clipboard" };
   readonly Button m_buttonClose = new Button { Text = "Close" };
-  readonly TableLayoutPanel m_window = Look.Table<TableLayoutPanel>(100);
+  readonly TableLayoutPanel m_window = Look.Table(100);
 
   public DialogLog() {
     Look.Prepare(this, "Velmor Exporter Log");
@@ -79,6 +79,10 @@ static class LogWindow {
   static DialogLog s_log;  // null: none is open
   static readonly Stopwatch s_sinceMessages = Stopwatch.StartNew();
 
+  public static Form Current {
+    get { return s_log != null && !s_log.IsDisposed ? s_log : null; }
+  }
+
   public static int Open(int owner) {
     Close();
     IWin32Window ownerWindow = OwnerWindow.From(owner);
@@ -90,7 +94,7 @@ static class LogWindow {
   }
 
   public static void Append(int severity, string text) {
-    if (s_log == null || s_log.IsDisposed) return;
+    if (Current == null) return;
     s_log.Append(severity, text);
     HandleMessages(false);
   }

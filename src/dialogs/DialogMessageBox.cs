@@ -20,7 +20,8 @@ public sealed class DialogMessageBox : Form {
   readonly Button m_buttonNo = new Button { Text = "&No" };
   readonly Button m_buttonNoAll = new Button { Text = "No &to All" };
   readonly Button m_buttonCancel = new Button { Text = "Cancel" };
-  readonly TableLayoutPanel m_window = Look.Table<TableLayoutPanel>(0, 100);
+  readonly TableLayoutPanel m_message = Look.Table(0, 100);
+  readonly TableLayoutPanel m_window = Look.Table(100);
   readonly FlowLayoutPanel flowLayoutPanel1;
   readonly Button[] m_buttons;
 
@@ -34,12 +35,10 @@ public sealed class DialogMessageBox : Form {
     m_label.Text = text.TrimEnd();
     m_buttons = ButtonsOf(buttons);
     flowLayoutPanel1 = Look.ButtonRow(m_buttons);
-    m_window.RowStyles.Add(new RowStyle());
-    m_window.RowStyles.Add(new RowStyle());
-    m_window.Controls.Add(m_icon, 0, 0);
-    m_window.Controls.Add(m_label, 1, 0);
-    m_window.Controls.Add(flowLayoutPanel1, 0, 1);
-    m_window.SetColumnSpan(flowLayoutPanel1, 2);
+    m_message.Controls.Add(m_icon, 0, 0);
+    m_message.Controls.Add(m_label, 1, 0);
+    m_window.Controls.Add(m_message);
+    m_window.Controls.Add(flowLayoutPanel1);
     Controls.Add(m_window);
     AcceptButton = m_buttonYes;
     CancelButton = m_buttons[m_buttons.Length - 1] == m_buttonCancel ? m_buttonCancel : m_buttonNo;

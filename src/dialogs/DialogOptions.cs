@@ -7,14 +7,14 @@ namespace Orv.Dialogs {
 // The options of one export. A record goes in; with DialogResult.OK it comes out as edited.
 public sealed class DialogOptions : Form {
   readonly CheckBox m_checkExportGeometry = MakeCheck("Export &Geometry");
-  readonly TableLayoutPanel m_panelGeometry = Look.Table<TableLayoutPanel>(100);
+  readonly TableLayoutPanel m_panelGeometry = Look.Table(100);
   readonly CheckBox m_checkForceOverwriteTex = MakeCheck("Force &overwrite .texture.txt Files");
   readonly CheckBox m_checkCollectTextures = MakeCheck("&Collect textures to export folder");
   readonly CheckBox m_checkUseDefaultMatColors = MakeCheck("Use &default material colors");
   readonly CheckBox m_checkNormalMapFlipGreen = MakeCheck("Fli&p green channel on normal maps");
 
   readonly CheckBox m_checkExportAnimation = MakeCheck("Export &Animation");
-  readonly TableLayoutPanel m_panelAnimation = Look.Table<TableLayoutPanel>(0, 100, 0);
+  readonly TableLayoutPanel m_panelAnimation = Look.Table(0, 100, 0);
   readonly Label label1 = MakeLabel("&Event File Name");
   readonly TextBox m_textEventFile = new TextBox();
   readonly Button m_buttonEventFileSelect = new Button { Text = "&Browse..." };
@@ -26,7 +26,7 @@ public sealed class DialogOptions : Form {
   readonly Button m_buttonStart = new Button { Text = "&Start" };
   readonly Button m_buttonCancel = new Button { Text = "Cancel",
                                                 DialogResult = DialogResult.Cancel };
-  readonly TableLayoutPanel m_window = Look.Table<TableLayoutPanel>(100);
+  readonly TableLayoutPanel m_window = Look.Table(100);
   readonly FlowLayoutPanel m_buttons;
 
   public DialogOptions() {
@@ -157,6 +157,8 @@ public sealed class DialogOptions : Form {
     }
     Look.SizeButtons(m_buttonStart, m_buttonCancel);
     Look.SizeButtons(m_buttonEventFileSelect);
+    m_buttonEventFileSelect.Margin = new Padding(0, 0, 0, gap);
+    m_buttonEventFileSelect.Height = m_textEventFile.PreferredHeight + 2;
     m_textEventFile.Anchor = AnchorStyles.Left | AnchorStyles.Right;
     m_textEventFile.MinimumSize = new Size(36 * gap, 0);
     m_numericFrameFirst.Width = m_numericFrameLast.Width = 14 * gap;

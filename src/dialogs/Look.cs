@@ -32,10 +32,11 @@ static class Look {
   }
 
   // Columns of the given kinds: a percentage, or 0 for one as wide as what is in it.
-  public static T Table<T>(params float[] columns) where T : TableLayoutPanel, new() {
-    var table = new T { AutoSize = true, AutoSizeMode = AutoSizeMode.GrowAndShrink,
-                        ColumnCount = columns.Length, Dock = DockStyle.Fill,
-                        Margin = Padding.Empty };
+  public static TableLayoutPanel Table(params float[] columns) {
+    var table = new TableLayoutPanel { AutoSize = true,
+                                       AutoSizeMode = AutoSizeMode.GrowAndShrink,
+                                       ColumnCount = columns.Length, Dock = DockStyle.Fill,
+                                       Margin = Padding.Empty };
     foreach (float width in columns) {
       table.ColumnStyles.Add(width > 0 ? new ColumnStyle(SizeType.Percent, width)
                                        : new ColumnStyle(SizeType.AutoSize));

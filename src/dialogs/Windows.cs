@@ -21,7 +21,7 @@ static class Windows {
     var buttons = kind == 0 ? ButtonSet.YesYesAllNoNoAllCancel : ButtonSet.YesYesAllNoNoAll;
     using (var dialog = new DialogMessageBox(buttons, IconKind.Warning, text)) {
       dialog.Text = caption;
-      ShowModal(dialog, Form.ActiveForm);
+      ShowModal(dialog, LogWindow.Current);
       return dialog.Result;
     }
   }

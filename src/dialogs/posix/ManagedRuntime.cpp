@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kMonoLibrary[] = "libmonosgen-2.0.so.1";
 constexpr char kHowToGetIt[] =
-    "On Debian: apt-get install libmonosgen-2.0-1 libmono-system-windows-forms4.0-cil";
+    "On Debian: apt-get install libmonosgen-2.0-1 mono-runtime libmono-system-windows-forms4.0-cil";
 
 // Mono's types are opaque to those who embed it.
 using Domain = struct MonoDomain*;
@@ -32,7 +32,8 @@ struct Failure {
 class Mono {
  public:
   Mono() {
-    m_library = dlopen(kMonoLibrary, RTLD_NOW | RTLD_LOCAL);
+    // Global, because libraries that Mono loads by itself take its symbols from the process.
+    m_library = dlopen(kMonoLibrary, RTLD_NOW | RTLD_GLOBAL);
     if (!m_library) Fail(dlerror());
     Find("mono_assembly_getrootdir", getrootdir);
     Find("mono_set_dirs", set_dirs);
