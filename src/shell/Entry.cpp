@@ -18,7 +18,7 @@
 #ifdef _WIN32
 #define ORV_ENTRY extern "C" __declspec(dllexport)
 
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
+extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID /*reserved*/) {
   orv::platform::SetModuleInstance(instance);
   if (reason == DLL_PROCESS_ATTACH) DisableThreadLibraryCalls(instance);
   return TRUE;

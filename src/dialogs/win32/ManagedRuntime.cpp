@@ -3,6 +3,7 @@
 
 #include "dialogs/ManagedRuntime.h"
 
+#define WIN32_LEAN_AND_MEAN  // the sockets' headers define s_host
 #include <windows.h>
 
 #include <mscoree.h>
