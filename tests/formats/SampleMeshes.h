@@ -1,11 +1,14 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <memory>
 #include <string>
 #include <utility>
 
 #include "FileBytes.h"
 #include "RecordingUserInterface.h"
+#include "formats/IndexedMeshReader.h"
 #include "formats/IndexedMeshWriter.h"
 
 namespace orv {
@@ -74,6 +77,13 @@ inline WrittenMesh Written(ExIndexedMesh& mesh) {
   });
   written.log = ui.log;
   return written;
+}
+
+inline IndexedMeshFile ReadBack(ExIndexedMesh& mesh) {
+  IndexedMeshFile file;
+  ReadProblem problem;
+  EXPECT_TRUE(ReadIndexedMesh(Written(mesh).bytes, file, problem)) << problem.Message();
+  return file;
 }
 
 }  // namespace orv

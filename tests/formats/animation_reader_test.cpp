@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "FileBytes.h"
 
 namespace orv {
@@ -77,21 +75,6 @@ TEST(AnimationReader, EveryPrefixIsRefused) {
     const std::string message = Refusal(prefix);
     EXPECT_NE(message.find(" (at byte "), std::string::npos) << size << " with its own length";
     EXPECT_EQ(message.find("QIRF"), 0u) << message;
-  }
-}
-
-TEST(AnimationReader, FilesWithRandomChangesAreReadSafely) {
-  const std::string bytes = AnimationParts().Bytes();
-  std::mt19937 random(1);
-  for (int i = 0; i < 20000; ++i) {
-    std::string damaged = bytes;
-    for (unsigned changes = 1 + random() % 3; changes > 0; --changes) {
-      damaged[random() % damaged.size()] = static_cast<char>(random());
-    }
-    AnimationFile file;
-    ReadProblem problem;
-    if (!ReadAnimation(damaged, file, problem)) continue;
-    EXPECT_EQ(file.poses.size(), file.frameCount * file.bones.size());
   }
 }
 

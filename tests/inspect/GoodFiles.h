@@ -1,8 +1,5 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,13 +9,6 @@
 
 // Files in which nothing is to be found, for the tests to damage.
 namespace orv::inspect {
-
-inline IndexedMeshFile ReadBack(ExIndexedMesh& mesh) {
-  IndexedMeshFile file;
-  ReadProblem problem;
-  EXPECT_TRUE(ReadIndexedMesh(Written(mesh).bytes, file, problem)) << problem.Message();
-  return file;
-}
 
 // Two chunks, the second with tangents, two bones and an attachment point.
 inline ExIndexedMesh GoodSkin() {
@@ -82,24 +72,35 @@ inline Lines LinesOf(const Findings& findings) {
   return lines;
 }
 
-// What the checks find in a good file after it was damaged, as "PLACE CODE; PLACE CODE".
-template <typename File>
-std::string CodesAfter(File file, void (*damage)(File&)) {
-  damage(file);
-  Findings findings;
-  CheckStructure(file, findings);
-  CheckContent(file, findings);
-  std::string codes;
-  for (const Finding& finding : findings) {
-    codes += (codes.empty() ? "" : "; ") + finding.place.path + " " + InfoOf(finding.code).name;
-  }
-  return codes;
-}
-
 template <typename File>
 struct DamageCase {
   void (*damage)(File&);
-  std::string codes;
+  std::string codes;  // "PLACE CODE; PLACE CODE"
 };
+
+// Holds what the checks find in a good file after each damage against what they have to find.
+template <typename File>
+void ExpectFound(File (*good)(), std::initializer_list<DamageCase<File>> cases) {
+  for (const auto& [damage, expected] : cases) {
+    File file = good();
+    damage(file);
+    Findings findings;
+    CheckStructure(file, findings);
+    CheckContent(file, findings);
+    std::string codes;
+    for (const Finding& finding : findings) {
+      codes += (codes.empty() ? "" : "; ") + finding.place.path + " " + InfoOf(finding.code).name;
+    }
+    EXPECT_EQ(codes, expected);
+  }
+}
+
+// Short names for what the cases damage.
+inline IndexedMesh::Chunk& ChunkOf(IndexedMeshFile& file, size_t number = 0) {
+  return file.mesh.chunks[number];
+}
+inline std::vector<VertexWeight>& WeightsOf(IndexedMeshFile& file, size_t bone) {
+  return file.mesh.influences[0]->m_bones[bone]->m_weights;
+}
 
 }  // namespace orv::inspect

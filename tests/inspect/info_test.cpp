@@ -132,14 +132,6 @@ TEST(InfoJson, WhatJsonCannotHoldIsReplaced) {
   EXPECT_EQ(DocumentOf(file)["files"][0]["seconds"], nullptr);
 }
 
-TEST(Info, BonesNestedTooDeepStayReadable) {
-  LoadedFile file;
-  AnimationFile& animation = file.content.emplace<AnimationFile>();
-  for (int i = 0; i < 3000; ++i) animation.bones.push_back({"b", i - 1});
-  EXPECT_LT(TextOf(file).size(), 100u * 3000);
-  EXPECT_EQ(DocumentOf(file)["files"][0]["bones"][2999]["depth"], 2999);
-}
-
 TEST(BoneOutline, SkinBonesStandBelowTheirParents) {
   std::vector<std::unique_ptr<GenericMeshInfluence>> chunks;
   chunks.push_back(std::make_unique<ExGenericMeshInfluence>());

@@ -5,137 +5,109 @@
 namespace orv::inspect {
 namespace {
 
-using MeshCase = DamageCase<IndexedMeshFile>;
-
-// A second triangle beside the first, of the same size.
-void AddTriangle(IndexedMeshFile& file, const Triangle& triangle) {
-  IndexedMesh::Chunk& chunk = file.mesh.chunks[0];
-  chunk.triangles.push_back(triangle);
-  chunk.faceNormals.push_back({0, 0, 1});
+void RepeatTriangle(IndexedMeshFile& file) {
+  IndexedMesh::Chunk& chunk = ChunkOf(file);
+  chunk.triangles.push_back(chunk.triangles[0]);
+  chunk.faceNormals.push_back(chunk.faceNormals[0]);
   chunk.surfaceArea += 0.5f;
   file.chunks[0].indexCount += 3;
   file.chunks[0].triangleCountAgain += 1;
 }
 
 TEST(StructureChecks, EachDamageToASkinIsFoundInItsPlace) {
-  const MeshCase cases[] = {
-      {[](auto&) {}, ""},
-      {[](auto& f) { f.chunks[1].index = 7; }, "QIRF/CHNK 1 chunk-number"},
-      {[](auto& f) { f.chunks[0].indexCount = 4; }, "QIRF/CHNK 0/GEOM count-mismatch"},
-      {[](auto& f) { f.chunks[0].triangleCountAgain = 2; }, "QIRF/CHNK 0/GEOM count-mismatch"},
-      {[](auto& f) {
-         f.mesh.chunks[0].normals[1].y = NAN;
-         f.mesh.chunks[0].normals[2].x = INFINITY;
-       },
-       "QIRF/CHNK 0/GEOM not-finite"},
-      {[](auto& f) {
-         GenericMaterial& m = f.mesh.chunks[0].material;
-         m.opacity = m.shininess = m.emissive.y = m.maps[0].amount = NAN;
-       },
-       "QIRF/CHNK 0/MATL not-finite"},
-      {[](auto& f) { f.mesh.influences[0]->m_bones[0]->m_weights[2].offset.z = NAN; },
-       "QIRF/INFL not-finite"},
-      {[](auto& f) {
-         f.mesh.chunks[0].normals[1] = {0, 0, 0.5f};
-       },
-       "QIRF/CHNK 0/GEOM normal-not-unit"},
-      {[](auto& f) { f.mesh.chunks[1].tangents[1] = {}; }, "QIRF/CHNK 1/GEOM tangent-not-unit"},
-      {[](auto& f) {
-         f.mesh.chunks[0].faceNormals[0] = {0, 0, 2};
-       },
-       "QIRF/CHNK 0/GEOM face-normal-wrong"},
-      {[](auto& f) {
-         f.mesh.chunks[0].faceNormals[0] = {0, 0, -1};
-       },
-       "QIRF/CHNK 0/GEOM face-normal-wrong"},
-      {[](auto& f) { f.mesh.chunks[1].tangents.clear(); }, "QIRF/CHNK 1/GEOM tangents-missing"},
-      {[](auto& f) {
-         f.mesh.chunks[0].tangents.assign(3, Vec3{1, 0, 0});
-       },
-       "QIRF/CHNK 0/GEOM tangents-unexpected"},
-      {[](auto& f) { f.mesh.chunks[0].surfaceArea = 0.51f; }, "QIRF/CHNK 0/GEOM area-mismatch"},
-      {[](auto& f) { f.boundingBox->maximum.x = 0.5f; }, "QIRF/INFO box-too-small"},
-      {[](auto& f) { f.boundingBox->minimum.z = -1; }, "QIRF/INFO box-too-large"},
-      {[](auto& f) { f.chunks[0].maxInfluencesPerVertex = 1; },
-       "QIRF/CHNK 0/GEOM maximum-too-small"},
-      {[](auto& f) { f.chunks[0].maxInfluencesPerVertex = 3; },
-       "QIRF/CHNK 0/GEOM maximum-too-large"},
-      {[](auto& f) { f.maxInfluencesPerVertex = 1; }, "QIRF/INFO maximum-too-small"},
-      {[](auto& f) { f.maxBonesPerChunk = 3; }, "QIRF/INFO maximum-too-large"},
-      {[](auto& f) {
-         f.mesh.influences[0]->m_bones[1]->m_weights.push_back({0xFFFFFFFF, 0, {}});
-         f.mesh.influences[0]->m_bones[1]->m_weights.push_back({3, 0, {}});
-       },
-       "QIRF/INFL weight-vertex"},
-      {[](auto& f) { f.chunks[0].boneName = "b.arm"; }, "QIRF/CHNK 0/GEOM chunk-bone-missing"},
-      {[](auto& f) {
-         f.mesh.chunks[0].neighbours = {{0x10000, 0x20000, 0xFFFFFFFF}};
-       },
-       "QIRF/CHNK 0/NINF neighbour-range"},
-      {[](auto& f) {
-         AddTriangle(f, {0, 1, 2});
-       },
-       ""},  // repeated, yet in order
-      {[](auto& f) {
-         f.mesh.chunks[0].triangles = {{1, 2, 0}};
-         AddTriangle(f, {1, 2, 0});
-       },
-       "QIRF/CHNK 0/GEOM repeated-triangle"},
-      {[](auto& f) {
-         f.mesh.chunks[0].triangles = {{1, 2, 0}};
-       },
-       "QIRF/CHNK 0/GEOM index-order"},
-  };
-  for (const MeshCase& c : cases) EXPECT_EQ(CodesAfter(GoodSkinFile(), c.damage), c.codes);
+  ExpectFound<IndexedMeshFile>(
+      GoodSkinFile,
+      {
+          {[](auto&) {}, ""},
+          {[](auto& f) { f.chunks[1].index = 7; }, "QIRF/CHNK 1 chunk-number"},
+          {[](auto& f) { f.chunks[0].indexCount = 4; }, "QIRF/CHNK 0/GEOM count-mismatch"},
+          {[](auto& f) { f.chunks[0].triangleCountAgain = 2; }, "QIRF/CHNK 0/GEOM count-mismatch"},
+          {[](auto& f) { ChunkOf(f).normals[2].x = INFINITY; }, "QIRF/CHNK 0/GEOM not-finite"},
+          {[](auto& f) {
+             GenericMaterial& m = ChunkOf(f).material;
+             m.opacity = m.shininess = m.emissive.y = m.maps[0].amount = NAN;
+           },
+           "QIRF/CHNK 0/MATL not-finite"},
+          {[](auto& f) { WeightsOf(f, 0)[2].offset.z = NAN; }, "QIRF/INFL not-finite"},
+          {[](auto& f) { ChunkOf(f).normals[1].z = 0.5f; }, "QIRF/CHNK 0/GEOM normal-not-unit"},
+          {[](auto& f) { ChunkOf(f, 1).tangents[1] = {}; }, "QIRF/CHNK 1/GEOM tangent-not-unit"},
+          {[](auto& f) { ChunkOf(f).faceNormals[0].z = 2; }, "QIRF/CHNK 0/GEOM face-normal-wrong"},
+          {[](auto& f) { ChunkOf(f).faceNormals[0].z = -1; }, "QIRF/CHNK 0/GEOM face-normal-wrong"},
+          {[](auto& f) { ChunkOf(f, 1).tangents.clear(); }, "QIRF/CHNK 1/GEOM tangents-missing"},
+          {[](auto& f) { ChunkOf(f).tangents.assign(3, Vec3{1}); },
+           "QIRF/CHNK 0/GEOM tangents-unexpected"},
+          {[](auto& f) { ChunkOf(f).surfaceArea = 0.51f; }, "QIRF/CHNK 0/GEOM area-mismatch"},
+          {[](auto& f) { f.boundingBox->maximum.x = 0.5f; }, "QIRF/INFO box-too-small"},
+          {[](auto& f) { f.boundingBox->minimum.z = -1; }, "QIRF/INFO box-too-large"},
+          {[](auto& f) { f.chunks[0].maxInfluencesPerVertex = 1; },
+           "QIRF/CHNK 0/GEOM maximum-too-small"},
+          {[](auto& f) { f.chunks[0].maxInfluencesPerVertex = 3; },
+           "QIRF/CHNK 0/GEOM maximum-too-large"},
+          {[](auto& f) { f.maxInfluencesPerVertex = 1; }, "QIRF/INFO maximum-too-small"},
+          {[](auto& f) { f.maxBonesPerChunk = 3; }, "QIRF/INFO maximum-too-large"},
+          {[](auto& f) { WeightsOf(f, 1).emplace_back().vertex = 3; }, "QIRF/INFL weight-vertex"},
+          {[](auto& f) { f.chunks[0].boneName = "b.arm"; }, "QIRF/CHNK 0/GEOM chunk-bone-missing"},
+          {[](auto& f) {
+             ChunkOf(f).neighbours.push_back({0x10000, 0x20000, 0});
+           },
+           "QIRF/CHNK 0/NINF neighbour-range"},
+          {[](auto& f) { RepeatTriangle(f); }, ""},  // yet in order
+          {[](auto& f) {
+             ChunkOf(f).triangles[0] = Triangle{1, 2, 0};
+             RepeatTriangle(f);
+           },
+           "QIRF/CHNK 0/GEOM repeated-triangle"},
+          {[](auto& f) {
+             ChunkOf(f).triangles[0] = Triangle{1, 2, 0};
+           },
+           "QIRF/CHNK 0/GEOM index-order"},
+      });
 }
 
 TEST(StructureChecks, EachDamageToASkeletonIsFoundInItsPlace) {
-  const MeshCase cases[] = {
-      {[](auto&) {}, ""},
-      {[](auto& f) {
-         f.bonePoses[1].rotation = {0, 0, 0, 2};
-       },
-       "QIRF/SKEL rotation-not-unit"},
-      {[](auto& f) { f.bonePoses[0].position.x = NAN; }, "QIRF/SKEL not-finite"},
-      {[](auto& f) {
-         f.bones.push_back({"B.ROOT", 0}), f.bonePoses.emplace_back();
-       },
-       "QIRF/SKEL bone-twice"},
-      // The weights that a skeleton keeps out of the file are counted all the same.
-      {[](auto& f) { f.maxInfluencesPerVertex = f.maxBonesPerChunk = 2; }, ""},
-  };
-  for (const MeshCase& c : cases) EXPECT_EQ(CodesAfter(GoodRigidFile(), c.damage), c.codes);
+  ExpectFound<IndexedMeshFile>(
+      GoodRigidFile,
+      {
+          {[](auto&) {}, ""},
+          {[](auto& f) { f.bonePoses[1].rotation.w = 2; }, "QIRF/SKEL rotation-not-unit"},
+          {[](auto& f) { f.bonePoses[0].position.x = NAN; }, "QIRF/SKEL not-finite"},
+          {[](auto& f) { f.bones[1].name = "B.ROOT"; },
+           "QIRF/SKEL bone-twice; QIRF/CHNK 0/GEOM chunk-bone-missing"},
+          // The weights that a skeleton keeps out of the file are counted all the same.
+          {[](auto& f) { f.maxInfluencesPerVertex = f.maxBonesPerChunk = 2; }, ""},
+      });
 }
 
 // Vertices that no triangle names have lost their places, and with them the box and the maxima what
 // they were computed from. Their weights are gathered in the last place.
 TEST(StructureChecks, UnusedVerticesExcuseTheStatistics) {
-  const auto addUnused = [](IndexedMeshFile& f) {
-    f.mesh.chunks[0].vertices.push_back(f.mesh.chunks[0].vertices[0]);
-    f.mesh.chunks[0].normals.push_back({0, 0, 1});
-    f.boundingBox->maximum.z = 4;
-    f.chunks[0].maxInfluencesPerVertex = 9;
-    *f.maxInfluencesPerVertex = 9;
-  };
-  EXPECT_EQ(CodesAfter<IndexedMeshFile>(GoodSkinFile(), addUnused),
-            "QIRF/CHNK 0/GEOM unused-vertex");
-  const auto addWeighted = [](IndexedMeshFile& f) {
-    f.mesh.chunks[1].vertices.push_back(f.mesh.chunks[1].vertices[0]);
-    f.mesh.chunks[1].normals.push_back({0, 0, 1});
-    f.mesh.chunks[1].tangents.push_back({1, 0, 0});
-    f.mesh.influences[1]->m_bones[0]->m_weights.push_back({3, 1, {}});
-    AddInfluence(*f.mesh.influences[1], "b.toe", {{3, 1, {}}});
-    f.maxInfluencesPerVertex = 2;
-    f.chunks[1].maxInfluencesPerVertex = 1;
-  };
-  EXPECT_EQ(CodesAfter<IndexedMeshFile>(GoodSkinFile(), addWeighted),
-            "QIRF/CHNK 1/GEOM unused-vertex");
-  const auto grow = [](IndexedMeshFile& f) {
-    f.mesh.chunks[0].vertices.resize(0x10001);
-    f.mesh.chunks[0].normals.resize(0x10001, {0, 0, 1});
-  };
-  EXPECT_TRUE(CodesAfter<IndexedMeshFile>(GoodSkinFile(), grow)
-                  .starts_with("QIRF/CHNK 0/GEOM too-many-vertices"));
+  ExpectFound<IndexedMeshFile>(
+      GoodSkinFile, {
+                        {[](auto& f) {
+                           ChunkOf(f).vertices.push_back(ChunkOf(f).vertices[0]);
+                           ChunkOf(f).normals.push_back(ChunkOf(f).normals[0]);
+                           f.boundingBox->maximum.z = 4;
+                           f.chunks[0].maxInfluencesPerVertex = 9;
+                           f.maxInfluencesPerVertex = 9;
+                         },
+                         "QIRF/CHNK 0/GEOM unused-vertex"},
+                        {[](auto& f) {
+                           ChunkOf(f, 1).vertices.push_back(ChunkOf(f).vertices[0]);
+                           ChunkOf(f, 1).normals.push_back(ChunkOf(f).normals[0]);
+                           ChunkOf(f, 1).tangents.push_back(ChunkOf(f, 1).tangents[0]);
+                           f.mesh.influences[1]->m_bones[0]->m_weights.push_back({3, 1, {}});
+                           AddInfluence(*f.mesh.influences[1], "b.toe", {{3, 1, {}}});
+                           f.maxInfluencesPerVertex = 2;
+                           f.chunks[1].maxInfluencesPerVertex = 1;
+                         },
+                         "QIRF/CHNK 1/GEOM unused-vertex"},
+                        {[](auto& f) {
+                           ChunkOf(f).vertices.resize(0x10001);
+                           ChunkOf(f).normals.resize(0x10001, {0, 0, 1});
+                         },
+                         "QIRF/CHNK 0/GEOM too-many-vertices; QIRF/CHNK 0/GEOM unused-vertex; "
+                         "QIRF/CHNK 0/GEOM chunk-too-large"},
+                    });
 }
 
 Lines LinesOfBytes(const std::string& bytes) {
