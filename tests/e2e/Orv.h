@@ -5,18 +5,22 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <initializer_list>
 #include <map>
 #include <set>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "IndependentReader.h"
 #include "TemporaryFolder.h"
+#include "formats/AnimationReader.h"
+#include "formats/IndexedMeshReader.h"
 
 namespace orv {
 
 inline std::string DataFile(const std::string& name) { return ORV_TEST_DATA "/" + name; }
+
+inline std::string ExampleFile(const std::string& name) { return ORV_EXAMPLES "/" + name; }
 
 // One of the importer's own test files, which a package installs.
 inline std::string ModelFile(const std::string& name) { return "/usr/share/assimp/models/" + name; }
@@ -81,14 +85,8 @@ class Workplace {
   std::string Here() const { return m_root.File("here"); }
   std::string Path(const std::string& name) const { return Here() + "/" + name; }
   std::string Content(const std::string& name) const { return ContentOf(Path(name)); }
-  independent::MeshFile Mesh(const std::string& name) const {
-    const std::string bytes = Content(name);
-    return independent::ParseMesh(bytes);
-  }
-  independent::AnimationFile Animation(const std::string& name) const {
-    const std::string bytes = Content(name);
-    return independent::ParseAnimation(bytes);
-  }
+  IndexedMeshFile Mesh(const std::string& name) const { return Read(ReadIndexedMeshFile, name); }
+  AnimationFile Animation(const std::string& name) const { return Read(ReadAnimationFile, name); }
 
   // All files in and below one of "here", "tmp", "home", by their paths in there.
   std::map<std::string, std::string> Files(const std::string& where = "here") const {
@@ -108,6 +106,13 @@ class Workplace {
   }
 
  private:
+  template <typename File>
+  File Read(bool (*read)(const std::string&, File&, ReadProblem&), const std::string& name) const {
+    File file;
+    ReadProblem problem;
+    if (!read(Path(name), file, problem)) throw std::runtime_error(problem.Message());
+    return file;
+  }
   static std::string Quoted(const std::string& text) {
     std::string quoted = "'";
     for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);

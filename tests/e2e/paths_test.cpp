@@ -27,8 +27,8 @@ TEST_P(OutputPath, NamesBothFiles) {
   const Outcome run =
       path.output.empty() ? place.Orv({"export", kMoving}) : place.Export(kMoving, path.output);
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_GT(place.Mesh(path.stem + ".im").chunks.size(), 0u);
-  EXPECT_GT(place.Animation(path.stem + ".kin").frames.size(), 0u);
+  EXPECT_GT(place.Mesh(path.stem + ".im").triangleCount, 0u);
+  EXPECT_GT(place.Animation(path.stem + ".kin").frameCount, 0u);
   for (const char* extension : {".im", ".kin"}) {
     const std::string size = std::to_string(place.Content(path.stem + extension).size());
     EXPECT_NE(run.out.find(extension + std::string(" (") + size + " bytes)\n"), std::string::npos)
@@ -75,7 +75,8 @@ TEST(TexturePaths, AreSearchedWhereTold) {
   ASSERT_NE(failed, lines.end()) << run.err;
   EXPECT_EQ(failed[1], "  textures/rivets_n.png");
   EXPECT_EQ(place.Content("out/straße.png"), ContentOf(DataFile("textures/straße.png")));
-  EXPECT_EQ(place.Mesh("out/Höhe ß.im").chunks[0].maps[0].name, "out/wall.texture");
+  EXPECT_EQ(place.Mesh("out/Höhe ß.im").mesh.chunks[0].material.maps[0].fileName,
+            "out/wall.texture");
 }
 
 TEST(SecondExport, GivesTheSameBytesAndAsksNothing) {
@@ -108,16 +109,16 @@ TEST(Settings, AreKeptOnlyWhereTold) {
   EXPECT_EQ(place.Names("tmp"), Names());
   EXPECT_EQ(place.Names("home"), Names());
 
-  EXPECT_EQ(place.Export(kMoving, "out", {"--settings", "kept", "--default-colors"}).status, 0);
+  const auto shininess = [&](const std::vector<std::string>& arguments) {
+    EXPECT_EQ(place.Export(kMoving, "out", arguments).status, 0);
+    return place.Mesh("out.im").mesh.chunks[0].material.shininess;
+  };
+  EXPECT_EQ(shininess({"--settings", "kept", "--default-colors"}), 32);
   // The folder stands for the user's application data.
   EXPECT_TRUE(place.Names().contains("kept/Tamsk/VelmorOrvExporter/OrvExporter.xml"));
-  EXPECT_EQ(place.Mesh("out.im").chunks[0].shininess, 32.0f);
-
   // What is kept holds for the next run with these settings, and for no other.
-  EXPECT_EQ(place.Export(kMoving, "out", {"--settings", "kept"}).status, 0);
-  EXPECT_EQ(place.Mesh("out.im").chunks[0].shininess, 32.0f);
-  EXPECT_EQ(place.Export(kMoving, "out").status, 0);
-  EXPECT_NE(place.Mesh("out.im").chunks[0].shininess, 32.0f);
+  EXPECT_EQ(shininess({"--settings", "kept"}), 32);
+  EXPECT_NE(shininess({}), 32);
 }
 
 }  // namespace

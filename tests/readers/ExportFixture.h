@@ -2,17 +2,17 @@
 
 #include <gtest/gtest.h>
 
-#include "IndependentReader.h"
 #include "RecordingUserInterface.h"
 #include "SceneBuilders.h"
 #include "TemporaryFolder.h"
+#include "formats/IndexedMeshReader.h"
 #include "options/Options.h"
 #include "scene/MaxExAnimationExporter.h"
 #include "scene/MaxExGeometryExporter.h"
 
 namespace orv {
 
-// A scene that a test fills and exports; the files are read back with code of the tests' own.
+// A scene that a test fills and exports.
 class ExportTest : public testing::Test {
  protected:
   ExportTest() : options(Options::Instance()) {
@@ -22,37 +22,37 @@ class ExportTest : public testing::Test {
   ~ExportTest() override { SetHostCore(nullptr); }
 
   host::MemoryNode& AddMesh(std::string name, host::MemoryNode* parent = nullptr) {
-    return scene.AddMeshNode(std::move(name), Triangle(), &plain, parent);
+    return scene.AddMeshNode(std::move(name), TriangleMesh(), &plain, parent);
   }
 
   // A triangle whose vertices follow the bone, all of them, rigidly.
   host::MemoryNode& AddSkinned(std::string name, INode& bone) {
     host::MemoryNode& node = scene.AddNode(std::move(name));
-    node.SetSkinnedMesh(Triangle(), {{&bone, Matrix3(TRUE)}},
+    node.SetSkinnedMesh(TriangleMesh(), {{&bone, Matrix3(TRUE)}},
                         Weights({{{0, 1.0f}}, {{0, 1.0f}}, {{0, 1.0f}}}));
     node.SetMaterial(&plain);
     return node;
   }
 
   // The file's content, or none when nothing was written.
-  independent::MeshFile ExportGeometry(bool expected = true) {
+  IndexedMeshFile ExportGeometry() {
     host::MemoryHost memoryHost(scene);
     SetHostCore(&memoryHost);
     MaxExGeometryExporter exporter;
     for (INode* node : AllNodes(scene)) exporter.AddNode(node, false);
-    EXPECT_EQ(exporter.ExportGeometry(&memoryHost, imName.c_str(), ui), expected);
-    const std::string bytes = ContentOf(imName);
-    return bytes.empty() ? independent::MeshFile{} : independent::ParseMesh(bytes);
+    EXPECT_TRUE(exporter.ExportGeometry(&memoryHost, imName.c_str(), ui));
+    IndexedMeshFile file;
+    ReadProblem problem;
+    ReadIndexedMeshFile(imName, file, problem);
+    return file;
   }
 
-  independent::AnimationFile ExportAnimation(int first, int last, bool expected = true) {
+  void ExportAnimation(int first, int last) {
     host::MemoryHost memoryHost(scene);
     SetHostCore(&memoryHost);
     MaxExAnimationExporter exporter;
     for (INode* node : AllNodes(scene)) exporter.AddNode(node, false);
-    EXPECT_EQ(exporter.ExportAnimation(&memoryHost, kinName.c_str(), first, last, ui), expected);
-    const std::string bytes = ContentOf(kinName);
-    return bytes.empty() ? independent::AnimationFile{} : independent::ParseAnimation(bytes);
+    EXPECT_TRUE(exporter.ExportAnimation(&memoryHost, kinName.c_str(), first, last, ui));
   }
 
   TemporaryFolder folder;

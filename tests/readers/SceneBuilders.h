@@ -38,7 +38,7 @@ inline Mesh MeshOf(const std::vector<Point3>& points, const std::vector<HostFace
   return mesh;
 }
 
-inline Mesh Triangle() { return MeshOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}}); }
+inline Mesh TriangleMesh() { return MeshOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}}); }
 
 inline Mesh WithoutTextureVertices(Mesh mesh) {
   mesh.setNumTVerts(0);

@@ -39,15 +39,15 @@ TEST(Fill, MeshesThatCannotBeUsedSayWhy) {
     FillResult result;
     Lines log;
   } cases[] = {
-      {"good", Triangle(), &standard, FillResult::Filled, {}},
+      {"good", TriangleMesh(), &standard, FillResult::Filled, {}},
       {"no texture",
-       WithoutTextureVertices(Triangle()),
+       WithoutTextureVertices(TriangleMesh()),
        &standard,
        FillResult::NoTextureMapping,
        {}},
       {"neither", WithoutTextureVertices(noFaces), &standard, FillResult::NoFaces, {}},
       {"other class",
-       Triangle(),
+       TriangleMesh(),
        &blend,
        FillResult::NonStandardMaterial,
        {"error: Ignoring mesh - material other than standard or sub-material used for mesh:crate"
@@ -58,7 +58,7 @@ TEST(Fill, MeshesThatCannotBeUsedSayWhy) {
        FillResult::NonStandardSubMaterial,
        {"error: Ignoring mesh - material other than standard used in sub-material for mesh:crate"
         ",Material:Both,SubMaterial:Blend"}},
-      {"other class below, unused", Triangle(), &multi, FillResult::Filled, {}},
+      {"other class below, unused", TriangleMesh(), &multi, FillResult::Filled, {}},
   };
   for (const auto& c : cases) {
     const Filled filled(c.mesh, c.material);

@@ -6,59 +6,55 @@ namespace orv {
 namespace {
 
 using Lines = std::vector<std::string>;
-using Floats3 = std::array<float, 3>;
-
 class GeometryExport : public ExportTest {};
 
-// All positions of a chunk in ascending order, without the texture coordinates.
-std::vector<Floats3> Positions(const independent::MeshChunk& chunk) {
-  std::vector<Floats3> positions;
-  for (const auto& v : chunk.vertices) positions.push_back({v[0] + 0, v[1] + 0, v[2] + 0});
+// In ascending order; none is -0.
+using Points = std::vector<std::array<float, 3>>;
+
+Points Positions(const IndexedMesh::Chunk& chunk) {
+  Points positions;
+  for (const IndexedVertex& v : chunk.vertices) positions.push_back({v.x + 0, v.y + 0, v.z + 0});
   std::sort(positions.begin(), positions.end());
   return positions;
 }
 
 // Per bone: the positions of the vertices of chunk 0 that it moves.
-std::vector<std::pair<std::string, std::vector<Floats3>>> Moved(const independent::MeshFile& file) {
-  std::vector<std::pair<std::string, std::vector<Floats3>>> result;
-  for (const auto& bone : file.influences) {
-    std::vector<Floats3> moved;
-    for (const auto& match : bone.matches) {
-      for (const auto& weight : match.weights) {
-        const auto& v = file.chunks[0].vertices[static_cast<size_t>(weight.vertex)];
-        moved.push_back({v[0], v[1], v[2]});
-      }
+std::vector<std::pair<std::string, Points>> Moved(const IndexedMeshFile& file) {
+  std::vector<std::pair<std::string, Points>> result;
+  for (const auto& bone : file.mesh.influences.at(0)->m_bones) {
+    IndexedMesh::Chunk moved;
+    for (const VertexWeight& weight : bone->m_weights) {
+      moved.vertices.push_back(file.mesh.chunks[0].vertices[weight.vertex]);
     }
-    std::sort(moved.begin(), moved.end());
-    result.emplace_back(bone.name, moved);
+    result.emplace_back(bone->m_name, Positions(moved));
   }
   return result;
 }
 
-const std::vector<Floats3> kTriangle = {{0, 0, 0}, {0, 1, 0}, {1, 0, 0}};
+using MovedPoints = decltype(Moved({}));
 
-std::vector<Floats3> TriangleAt(float x) { return {{x, 0, 0}, {x, 1, 0}, {x + 1, 0, 0}}; }
+Points TriangleAt(float x) { return {{x, 0, 0}, {x, 1, 0}, {x + 1, 0, 0}}; }
 
 TEST_F(GeometryExport, NothingToExportIsAWarning) {
-  scene.AddMeshNode("b.bone", Triangle(), &plain);
+  scene.AddMeshNode("b.bone", TriangleMesh(), &plain);
   scene.AddPointHelper("b.hook");
   scene.AddNode("group");
-  ExportGeometry(true);
+  ExportGeometry();
   EXPECT_EQ(ui.log, Lines{"warning: Export cancelled - nothing to export"});
   EXPECT_EQ(folder.Count(), 0u);
 }
 
 TEST_F(GeometryExport, MeshesThatCannotBeUsedAreReportedAndLeftOut) {
-  scene.AddMeshNode("bare", Triangle());
-  scene.AddMeshNode("flat", WithoutTextureVertices(Triangle()), &plain);
+  scene.AddMeshNode("bare", TriangleMesh());
+  scene.AddMeshNode("flat", WithoutTextureVertices(TriangleMesh()), &plain);
   scene.AddMeshNode("empty", MeshOf({}, {}), &plain);
   AddMesh("good");
-  const independent::MeshFile file = ExportGeometry();
+  const IndexedMeshFile file = ExportGeometry();
   EXPECT_EQ(ui.log, (Lines{"error: Ignoring mesh - Material missing for mesh:bare",
                            "warning: Ignoring mesh - no texture mapping for mesh:flat",
                            "warning: Ignoring mesh - no faces for mesh:empty"}));
   ASSERT_EQ(file.chunks.size(), 1u);
-  EXPECT_EQ(Positions(file.chunks[0]), kTriangle);
+  EXPECT_EQ(Positions(file.mesh.chunks[0]), TriangleAt(0));
 }
 
 TEST_F(GeometryExport, PointHelpersBecomeAttachments) {
@@ -66,13 +62,13 @@ TEST_F(GeometryExport, PointHelpersBecomeAttachments) {
   AddMesh("a");
   scene.AddPointHelper("b.hook").SetTransform(ScaledBy(3, 3, 3) * QuarterTurnAt(2, 4, 6));
   scene.AddPointHelper(std::string(300, 'n'));
-  const independent::MeshFile file = ExportGeometry();
-  ASSERT_EQ(file.attachments.size(), 2u);
-  EXPECT_EQ(file.attachments[0].name, "b.hook");
-  EXPECT_EQ(file.attachments[0].position, (Floats3{1, 2, 3}));
-  EXPECT_EQ(file.attachments[0].rotation, (std::array<float, 9>{0, 1, 0, -1, 0, 0, 0, 0, 1}));
-  EXPECT_EQ(file.attachments[1].name.size(), 255u);
-  EXPECT_TRUE(file.influences.empty());
+  const IndexedMeshFile file = ExportGeometry();
+  const auto& points = file.mesh.attachmentPoints;
+  ASSERT_EQ(points.size(), 2u);
+  EXPECT_EQ(points[0].name, "b.hook");
+  EXPECT_EQ(points[0].position, (Vec3{1, 2, 3}));
+  EXPECT_EQ(points[0].rotation, (Matrix33{Vec3{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}}));
+  EXPECT_EQ(points[1].name.size(), 255u);
 }
 
 TEST_F(GeometryExport, RigidPartsAreBoundAtTimeZero) {
@@ -80,7 +76,7 @@ TEST_F(GeometryExport, RigidPartsAreBoundAtTimeZero) {
   bone.SetMotion([](double seconds) { return MovedBy(static_cast<float>(seconds), 0, 0); });
   AddMesh("part", &bone);
   ExportAnimation(900, 900);
-  EXPECT_EQ(Positions(ExportGeometry().chunks.at(0)), kTriangle);
+  EXPECT_EQ(Positions(ExportGeometry().mesh.chunks.at(0)), TriangleAt(0));
 }
 
 // Bound to a bone only when the parent is one, is in the tree and is called so.
@@ -93,22 +89,20 @@ TEST_F(GeometryExport, OtherParentsBindNothing) {
     parent.SetTransform(MovedBy(3, 0, 0));
     AddMesh("part", &parent);
   }
-  const independent::MeshFile file = ExportGeometry();
+  const IndexedMeshFile file = ExportGeometry();
   EXPECT_TRUE(file.bones.empty());
   ASSERT_EQ(file.chunks.size(), 1u);
   EXPECT_EQ(file.chunks[0].boneName, "");
-  EXPECT_EQ(Positions(file.chunks[0]), TriangleAt(3));
+  EXPECT_EQ(Positions(file.mesh.chunks[0]), TriangleAt(3));
 }
 
 TEST_F(GeometryExport, BonesWithoutWeightsAreInTheInfluenceToo) {
   host::MemoryNode& one = scene.AddNode("b.one");
   scene.AddNode("B.TWO", &one);
   AddSkinned("skin", *scene.FindNode("B.TWO"));
-  const independent::MeshFile file = ExportGeometry();
-  EXPECT_EQ(Moved(file), (decltype(Moved(file)){{"B.TWO", kTriangle}, {"b.one", {}}}));
-  EXPECT_EQ(file.influences[0].matches.size(), 1u);  // not added once more
-  EXPECT_EQ(file.influences[0].parentName, "b.one");
-  EXPECT_EQ(file.influences[1].parentName, "");
+  const IndexedMeshFile file = ExportGeometry();
+  EXPECT_EQ(Moved(file), (MovedPoints{{"B.TWO", TriangleAt(0)}, {"b.one", {}}}));
+  EXPECT_EQ(file.mesh.influences[0]->m_bones[0]->m_parentName, "b.one");
 }
 
 // Three meshes side by side. The weights of the second name vertices of the third.
@@ -118,8 +112,8 @@ TEST_F(GeometryExport, MergedWeightsAreShiftedPastTheirOwnMesh) {
   AddSkinned("first", one);
   AddSkinned("second", two);
   AddMesh("third").SetTransform(MovedBy(9, 0, 0));
-  const independent::MeshFile file = ExportGeometry();
-  EXPECT_EQ(Moved(file), (decltype(Moved(file)){{"b.one", kTriangle}, {"b.two", TriangleAt(9)}}));
+  const IndexedMeshFile file = ExportGeometry();
+  EXPECT_EQ(Moved(file), (MovedPoints{{"b.one", TriangleAt(0)}, {"b.two", TriangleAt(9)}}));
 }
 
 // The ignored mesh keeps its place in the list of influences, so the first mesh gets its weights.
@@ -127,8 +121,8 @@ TEST_F(GeometryExport, IgnoredMeshShiftsTheInfluences) {
   host::MemoryNode &one = scene.AddNode("b.one"), &two = scene.AddNode("b.two");
   AddSkinned("ignored", one).SetMaterial(nullptr);
   AddSkinned("kept", two);
-  const independent::MeshFile file = ExportGeometry();
-  EXPECT_EQ(Moved(file), (decltype(Moved(file)){{"b.one", kTriangle}, {"b.two", {}}}));
+  const IndexedMeshFile file = ExportGeometry();
+  EXPECT_EQ(Moved(file), (MovedPoints{{"b.one", TriangleAt(0)}, {"b.two", {}}}));
 }
 
 TEST_F(GeometryExport, StrayBonesAreReportedByTheGeometryExportAlone) {

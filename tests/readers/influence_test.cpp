@@ -36,8 +36,8 @@ class PhysiqueTest : public testing::Test {
              const std::vector<std::vector<host::BoneWeight>>& vertices, float scale = 1) {
     std::vector<host::SkinBone> skin;
     for (INode* bone : bones) skin.push_back({bone, Matrix3(TRUE)});
-    physique = &node.SetSkinnedMesh(Triangle(), skin, Weights(vertices)).Physique();
-    return LinesOf(MaxExGenericMeshInfluence(FindPhysique(&node), Triangle(), &node, scale));
+    physique = &node.SetSkinnedMesh(TriangleMesh(), skin, Weights(vertices)).Physique();
+    return LinesOf(MaxExGenericMeshInfluence(FindPhysique(&node), TriangleMesh(), &node, scale));
   }
 
   host::Scene scene;
@@ -75,7 +75,7 @@ TEST_F(PhysiqueTest, VerticesThatStayDeformableEndTheExport) {
   Read({&body}, {{{0, 1.0f}}, {}, {}});
   physique->staysDeformable = true;
   try {
-    MaxExGenericMeshInfluence(physique, Triangle(), &node, 1);
+    MaxExGenericMeshInfluence(physique, TriangleMesh(), &node, 1);
     ADD_FAILURE() << "nothing thrown";
   } catch (const char* text) {
     EXPECT_STREQ(text, "Unsupported vertex type encountered in physique export");
