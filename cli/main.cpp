@@ -182,7 +182,7 @@ int Run(int argc, char** argv) {
                     "Exit status: 0; 2 wrong usage, or a file cannot be read.", inspectArguments);
   AddInspectCommand(app, "check", "Look for mistakes in .im and .kin files",
                     "Exit status: 0 no errors (warnings perhaps); 1 errors were found; 2 wrong "
-                    "usage, or a file\ncannot be read. docs/inspecting.md lists what is found.",
+                    "usage, or a file\ncannot be opened. docs/inspecting.md lists what is found.",
                     inspectArguments);
   ConvertArguments convertArguments;
   AddConvertCommand(app, convertArguments);

@@ -11,6 +11,11 @@ using enum Level;
 using enum Aspect;
 
 constexpr CodeInfo kCodes[] = {
+    {Code::TagWrong, "tag-wrong", Error, Structure},
+    {Code::VersionUnknown, "version-unknown", Error, Structure},
+    {Code::CutOff, "cut-off", Error, Structure},
+    {Code::CountTooLarge, "count-too-large", Error, Structure},
+    {Code::IndexRange, "index-range", Error, Structure},
     {Code::BytesLeftOver, "bytes-left-over", Error, Structure},
     {Code::UnknownPart, "unknown-part", Error, Structure},
     {Code::NotFinite, "not-finite", Error, Structure},

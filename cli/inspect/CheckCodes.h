@@ -12,6 +12,11 @@ enum class Aspect { Structure, Content };
 
 enum class Code {
   // Any file
+  TagWrong,
+  VersionUnknown,
+  CutOff,
+  CountTooLarge,
+  IndexRange,
   BytesLeftOver,
   UnknownPart,
   NotFinite,

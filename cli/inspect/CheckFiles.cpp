@@ -56,6 +56,33 @@ void CheckMesh(const LoadedFile& file, std::span<const std::string> given, Findi
   }
 }
 
+Code CodeOf(ReadFault fault) {
+  switch (fault) {
+    case ReadFault::Tag:
+      return Code::TagWrong;
+    case ReadFault::Version:
+      return Code::VersionUnknown;
+    case ReadFault::Count:
+      return Code::CountTooLarge;
+    case ReadFault::Index:
+      return Code::IndexRange;
+    default:
+      return Code::CutOff;
+  }
+}
+
+// What ended the reading. The rest of the file is not checked: it can follow from this.
+Finding FindingOf(const ReadProblem& problem) {
+  return {CodeOf(problem.fault),
+          {problem.path},
+          problem.text + " (at byte " + std::to_string(problem.offset) + ")"};
+}
+
+// True for a file that cannot be opened, or is none of ours.
+bool IsUnreadable(const LoadedFile& file) {
+  return file.problem && file.problem->fault == ReadFault::File;
+}
+
 void SortWorstFirst(Findings& findings) {
   std::stable_sort(findings.begin(), findings.end(), [](const Finding& a, const Finding& b) {
     return InfoOf(a.code).level > InfoOf(b.code).level;
@@ -67,9 +94,11 @@ CheckedFile CheckOne(const std::string& name, std::span<const std::string> given
   CheckedFile checked;
   checked.name = name;
   checked.kind = KindName(file);
-  if (file.problem) {
+  if (IsUnreadable(file)) {
     checked.unreadable = file.ProblemMessage();
     checked.error = ErrorEntry(file);
+  } else if (file.problem) {
+    checked.findings.push_back(FindingOf(*file.problem));
   } else if (file.Mesh()) {
     CheckMesh(file, given, checked.findings);
   } else if (file.Animation()) {
@@ -133,10 +162,15 @@ Json ToJson(const CheckedFile& file) {
 
 std::vector<std::string> FindStructureErrors(const std::string& name) {
   const LoadedFile file = LoadFile(name);
-  if (file.problem) return {file.ProblemMessage()};
+  if (IsUnreadable(file)) return {file.ProblemMessage()};
   Findings findings;
-  if (file.Mesh()) CheckStructure(*file.Mesh(), findings);
-  if (file.Animation()) CheckStructure(*file.Animation(), findings);
+  if (file.problem) {
+    findings.push_back(FindingOf(*file.problem));
+  } else if (file.Mesh()) {
+    CheckStructure(*file.Mesh(), findings);
+  } else if (file.Animation()) {
+    CheckStructure(*file.Animation(), findings);
+  }
   std::vector<std::string> lines;
   for (const Finding& finding : findings) {
     if (InfoOf(finding.code).level == Level::Error) lines.push_back(name + ": " + LineOf(finding));

@@ -14,7 +14,7 @@ namespace orv::inspect {
 struct CheckedFile {
   std::string name;
   std::string kind;
-  std::string unreadable;        // why the file could not be read; "" when it could
+  std::string unreadable;        // why it could not be opened or is none of ours; "" otherwise
   nlohmann::ordered_json error;  // the same for a program
   Findings findings;
 };

@@ -165,7 +165,8 @@ void PrintAnimation(std::ostream& out, const AnimationFile& file) {
   PrintLine(
       out, "frames",
       std::to_string(file.frameCount) + " at " + std::to_string(file.frameRate) + " a second");
-  PrintLine(out, "length", Fixed(LengthInSeconds(file), 3) + " seconds");
+  PrintLine(out, "length",
+            file.frameRate == 0 ? "-" : Fixed(LengthInSeconds(file), 3) + " seconds");
   PrintLine(out, "scale", Number(file.masterScale) + " metres per unit");
   PrintEvents(out, file);
   PrintBones(out, OutlineOf(file.bones));

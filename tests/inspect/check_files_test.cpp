@@ -1,6 +1,7 @@
 #include "inspect/CheckFiles.h"
 
 #include <algorithm>
+#include <cstring>
 #include <fstream>
 
 #include "TemporaryFolder.h"
@@ -76,19 +77,32 @@ TEST(CheckFiles, ReportNamesTheFileAndSumsUp) {
       "text": "the type onetex shows a diffuse map, but the material has none", "count": 1})"));
 }
 
-TEST(CheckFiles, FileThatCannotBeReadSaysWhere) {
+TEST(CheckFiles, DamagedFileHasOneFindingThatSaysWhere) {
   TemporaryFolder folder;
-  const std::string name = folder.File("a.im"), cut = "a tag of 4 bytes is cut off, ";
+  const std::string name = folder.File("a.im");
+  const auto damaged = [](size_t at, uint32_t value) {
+    std::string bytes = SkinBytes();
+    std::memcpy(bytes.data() + at, &value, sizeof(value));
+    return bytes;
+  };
+  const size_t geom = SkinBytes().find("GEOM");
+  const size_t triangles = geom + 12 + 8 * 4 + 4 + 20 * GoodSkin().chunks[0].vertices.size();
   const std::pair<std::string, std::string> cases[] = {
-      {SkinBytes().substr(0, 100), "QIRF is "},
-      {"QI", cut + "2 are left (at byte 0)"},
-      {"hello, I am a text", "found \"hell\" where \"QIRF\" is due (at byte 0)"}};
-  for (const auto& [bytes, message] : cases) {
+      {"QI", "a tag of 4 bytes is cut off, 2 are left (at byte 0) [cut-off]"},
+      {"hello, I am a text", "found \"hell\" where \"QIRF\" is due (at byte 0) [tag-wrong]"},
+      {damaged(20, 105), "QIRF/INFO: version 105 is unknown (at byte 20) [version-unknown]"},
+      {damaged(geom + 28, 4000000000),
+       "QIRF/CHNK 0/GEOM: triangle count 4000000000 exceeds the chunk (at byte " +
+           std::to_string(geom + 28) + ") [count-too-large]"},
+      {damaged(triangles, 0xFFFF), "QIRF/CHNK 0/GEOM: triangle 0 names vertex 65535 of "}};
+  for (const auto& [bytes, line] : cases) {
     WriteContent(name, bytes);
     const CheckedFile file = CheckFiles(std::vector{name})[0];
-    EXPECT_TRUE(file.unreadable.starts_with(name + ": " + message)) << file.unreadable;
-    EXPECT_EQ(FindStructureErrors(name), Lines({file.unreadable}));
+    ASSERT_EQ(file.findings.size(), 1u) << line;
+    EXPECT_TRUE(LineOf(file.findings[0]).starts_with(line)) << LineOf(file.findings[0]);
+    EXPECT_EQ(FindStructureErrors(name), Lines({name + ": " + LineOf(file.findings[0])}));
   }
+  EXPECT_EQ(CheckFiles(std::vector{name})[0].findings[0].code, Code::IndexRange);
 }
 
 TEST(CheckFiles, ReadingBackTellsErrorsOfStructureOnly) {
