@@ -81,25 +81,20 @@ TEST(TexturePaths, AreSearchedWhereTold) {
 
 TEST(SecondExport, GivesTheSameBytesAndAsksNothing) {
   const Workplace place;
-  const std::vector<std::string> collect = {"--no-animation", "--collect-textures"};
-  const Outcome first = place.Export(DataFile("everything.gltf"), "out", collect);
-  EXPECT_EQ(first.Count("Skipping existing file"), 0);
+  const auto exportAgain = [&](const char* option) {
+    return place.Export(DataFile("everything.gltf"), "out",
+                        {"--no-animation", "--collect-textures", option});
+  };
+  exportAgain("--flip-green");
   const auto files = place.Files();
   EXPECT_EQ(files.size(), 11u);  // the mesh, five textures and what describes them
-
-  const Outcome second = place.Export(DataFile("everything.gltf"), "out", collect);
+  const Outcome second = exportAgain("--flip-green");
   EXPECT_EQ(second.status, 0) << second.err;
-  EXPECT_TRUE(second.Says("Skipping existing file: './wall.texture.txt'")) << second.err;
-  EXPECT_EQ(second.Count("Skipping existing file"), 5);
+  EXPECT_EQ(second.Count("Skipping existing file: './"), 5);
   EXPECT_EQ(second.err.find("Overwrite file?"), std::string::npos);
   EXPECT_EQ(place.Files(), files);
-
-  WriteContent(place.Path("wall.texture.txt"), "stale");
-  const Outcome third = place.Export(DataFile("everything.gltf"), "out",
-                                     {"--no-animation", "--force-textures", "--collect-textures"});
-  EXPECT_EQ(third.status, 0) << third.err;
-  EXPECT_EQ(third.Count("Overwriting existing file: '"), 5) << third.err;
-  EXPECT_EQ(place.Files(), files);
+  EXPECT_EQ(exportAgain("--force-textures").Count("Overwriting existing file: '"), 5);
+  EXPECT_NE(place.Files(), files);
 }
 
 TEST(Settings, AreKeptOnlyWhereTold) {

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
-#include <random>
 #include <vector>
 
 #include "host/HostTesting.h"
@@ -28,24 +27,6 @@ AssembledMesh Assemble(const Soup& soup) {
   return assembler.Finish();
 }
 
-// A grid of quads whose corners take one of `normalCount` normals each by chance.
-Soup RandomSeams(unsigned seed, int size, int normalCount) {
-  std::mt19937 random(seed);
-  Soup soup;
-  const auto corner = [&](int x, int y) {
-    const float pick = static_cast<float>(random() % static_cast<unsigned>(normalCount));
-    return Corner{Point3(static_cast<float>(x), static_cast<float>(y), 0),
-                  Normalize(Point3(pick, 1, 2))};
-  };
-  for (int y = 0; y < size; ++y) {
-    for (int x = 0; x < size; ++x) {
-      soup.insert(soup.end(), {corner(x, y), corner(x + 1, y), corner(x + 1, y + 1)});
-      soup.insert(soup.end(), {corner(x, y), corner(x + 1, y + 1), corner(x, y + 1)});
-    }
-  }
-  return soup;
-}
-
 // `sides` triangles around the origin, each with a normal of its own.
 Soup FlatCone(int sides) {
   Soup soup;
@@ -58,22 +39,6 @@ Soup FlatCone(int sides) {
     soup.insert(soup.end(), {{Point3(), normal}, {rim(i), normal}, {rim(i + 1), normal}});
   }
   return soup;
-}
-
-TEST(MeshAssembler, LookUpGivesBackEveryNormal) {
-  for (unsigned seed = 0; seed < 20; ++seed) {
-    SCOPED_TRACE(seed);
-    const Soup soup = RandomSeams(seed, 12, 2 + static_cast<int>(seed % 4));
-    const AssembledMesh result = Assemble(soup);
-    EXPECT_EQ(result.mesh.getNumVerts(), 13 * 13);
-    EXPECT_EQ(result.flattenedFaces, 0u);
-    ASSERT_EQ(static_cast<size_t>(result.mesh.getNumFaces()) * 3, soup.size());
-    for (int i = 0; i < static_cast<int>(soup.size()); ++i) {
-      const auto& [position, normal] = soup[static_cast<size_t>(i)];
-      EXPECT_EQ(result.mesh.verts[result.mesh.faces[i / 3].v[i % 3]], position) << "corner " << i;
-      EXPECT_EQ(LookUpNormal(result.mesh, i / 3, i % 3), normal) << "corner " << i;
-    }
-  }
 }
 
 TEST(MeshAssembler, FacesBeyondTheGroupsAreFlatAndSpoilNoOther) {

@@ -60,14 +60,6 @@ class OpenedScene : public testing::Test {
     m_scene = OpenScene(path, settings);
     return *m_scene;
   }
-  std::string ReasonFor(const std::string& path) {
-    try {
-      OpenScene(path, {});
-    } catch (const SceneError& error) {
-      return error.what();
-    }
-    return "";
-  }
   Mesh& MeshOf(const char* node) {
     return static_cast<TriObject*>(m_scene->FindNode(node)->EvalWorldState(0).obj)->GetMesh();
   }
@@ -244,26 +236,19 @@ TEST_F(OpenedScene, PivotsAreStepsOfOneNodesTransform) {
   }
 }
 
-TEST_F(OpenedScene, UnreadableFilesAreNamedWithTheReason) {
-  WriteContent(m_folder.File("empty.gltf"), "");
-  WriteContent(m_folder.File("cut.gltf"), OneTriangle("0", "{").substr(0, 200));
-  WriteContent(m_folder.File("notes.txt"), "no scene");
-  for (const char* name : {"empty.gltf", "cut.gltf", "notes.txt", "missing.fbx", ""}) {
-    const std::string path = m_folder.File(name);
-    const std::string reason = ReasonFor(path);
-    EXPECT_EQ(reason.find(path + ": "), 0u) << reason;
-    EXPECT_GT(reason.size(), path.size() + 2);
-  }
-}
-
 TEST_F(OpenedScene, GltfSkinsNeedTheirInverseBindMatrices) {
   std::string text = ContentOf(ORV_TEST_DATA "/skinned.gltf");
   const std::string key = "inverseBindMatrices";
   text.replace(text.find(key), key.size(), "extras");
   for (const char* name : {"skinned.gltf", "SKINNED.GLTF"}) {
     WriteContent(m_folder.File(name), text);
-    const std::string reason = ReasonFor(m_folder.File(name));
-    EXPECT_NE(reason.find("skin 0 has no inverse bind matrices"), std::string::npos) << reason;
+    try {
+      Open(m_folder.File(name));
+      ADD_FAILURE() << "accepted";
+    } catch (const SceneError& error) {
+      EXPECT_NE(std::string(error.what()).find("skin 0 has no inverse bind matrices"),
+                std::string::npos);
+    }
   }
 }
 
@@ -281,13 +266,6 @@ TEST_F(OpenedScene, BonesWithoutNodesAreLeftOutWithAWarning) {
   Open(path);
   ASSERT_EQ(m_scene->info.warnings.size(), 2u);
   EXPECT_NE(m_scene->info.warnings[0].find("\"joint3\""), std::string::npos);
-}
-
-TEST_F(OpenedScene, NamesThatAreNotAsciiWork) {
-  const std::string path = m_folder.File("größe_列車.gltf");
-  WriteContent(path, OneTriangle("0", R"({"name":"Räder","mesh":0})"));
-  EXPECT_EQ(Open(path).info.fileName, "größe_列車.gltf");
-  EXPECT_TRUE(m_scene->Select("Räder"));
 }
 
 }  // namespace
