@@ -71,10 +71,10 @@ IndexedMeshFile SkinFile() {
   influence.AddBone(std::make_unique<GenericBoneInfluence>("b.hip", "rig", Vec3{}, Matrix33{turn}));
   influence.AddBone(std::make_unique<GenericBoneInfluence>(
       "b.knee", "B.Hip", Vec3{1, 0, 0}, Matrix33{Vec3{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}));
-  // In the world the hip is at (0, 0, 3): p - (0, 0, 3), turned back.
-  influence.m_bones[0]->m_weights = {
-      {0, 1, {0, 0, -3}}, {1, 0.25f, {0, -1, -3}}, {2, 0.5f, {1, 0, -3}}};
-  influence.m_bones[1]->m_weights = {{1, 0.75f, {}}, {2, 0.5f, {}}};
+  // In the world the hip is at (0, 0, 3), which only the knee's vertices can tell.
+  influence.m_bones[0]->m_weights = {{1, 0.25f, {0, -1, -3}}, {2, 0.5f, {1, 0, -3}}};
+  influence.m_bones[1]->m_weights = {
+      {0, 1, {-1, 0, -3}}, {1, 0.75f, {-1, -1, -3}}, {2, 0.5f, {0, 0, -3}}};
   return file;
 }
 
@@ -126,9 +126,9 @@ TEST(Convert, WhatIsForbiddenIsMended) {
          BonesOf(file)[0]->m_weights.push_back({1, kNaN, {}});
        },
        "chunk 0: 1 weights below 0 or not finite left out"},
-      {[](auto& file) { BonesOf(file)[0]->m_weights[1].weight = 0.5f; },
+      {[](auto& file) { BonesOf(file)[0]->m_weights[0].weight = 0.5f; },
        "chunk 0: 1 vertices with weights that do not sum to 1, scaled"},
-      {[](auto& file) { BonesOf(file)[0]->m_weights.erase(BonesOf(file)[0]->m_weights.begin()); },
+      {[](auto& file) { BonesOf(file)[1]->m_weights.erase(BonesOf(file)[1]->m_weights.begin()); },
        "chunk 0: 1 vertices follow no bone, bound to one that stands still"},
       {[](auto& file) { BonesOf(file)[1]->m_rotation = {}; },
        "bone b.knee: has no usable rotation or position, stands at its parent's"},

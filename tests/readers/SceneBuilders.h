@@ -2,12 +2,10 @@
 
 #include <cmath>
 #include <initializer_list>
-#include <string>
 #include <vector>
 
 #include "host/scene/MemoryHost.h"
 #include "host/scene/Scene.h"
-#include "scene/GenericMesh.h"
 
 namespace orv {
 
@@ -91,20 +89,6 @@ inline std::vector<INode*> AllNodes(host::Scene& scene) {
   std::vector<INode*> nodes;
   CollectNodes(scene.Root(), nodes);
   return nodes;
-}
-
-// The corners' rows "position/normal/texture coordinate", faces after their material.
-inline std::vector<std::string> FaceRows(const GenericMesh& mesh) {
-  std::vector<std::string> lines;
-  for (size_t i = 0; i < mesh.m_faces.size(); ++i) {
-    std::string line = std::to_string(mesh.m_faces[i].material) + ":";
-    for (const FaceCorner& c : mesh.m_faces[i].corners) {
-      line += " " + std::to_string(c.position) + "/" + std::to_string(c.normal) + "/" +
-              std::to_string(c.texCoord);
-    }
-    lines.push_back(line);
-  }
-  return lines;
 }
 
 }  // namespace orv

@@ -3,6 +3,7 @@
 #include "RecordingUserInterface.h"
 #include "SceneBuilders.h"
 #include "scene/MaxExMesh.h"
+#include "scene/MeshBuilders.h"
 
 namespace orv {
 namespace {
@@ -76,7 +77,7 @@ TEST(Fill, SmoothingGroupsChooseTheNormal) {
     size_t normalCount;
   } cases[] = {
       {"the only one with it", 4, "0: 0/1/0 1/2/1 2/3/2", 4},
-      {"the first of both", 3, "0: 0/0/0 1/2/1 2/3/2", 4},
+      {"the first of both", 3, "0: 0 1/2/1 2/3/2", 4},
       {"none has it: only where there are several", 8, "0: 0/4/0 1/2/1 2/3/2", 5},
       {"flat", 0, "0: 0/4/0 1/4/1 2/4/2", 5},
   };
@@ -86,7 +87,7 @@ TEST(Fill, SmoothingGroupsChooseTheNormal) {
     const RNormal normals[] = {{{1, 0, 0}, 1}, {{0, 1, 0}, 6}, {{0, 0, -1}, 1}, {{-1, 0, 0}, 1}};
     ASSERT_TRUE(mesh.specifyNormals(counts, normals));
     const Filled filled(std::move(mesh), nullptr);
-    EXPECT_EQ(FaceRows(filled.mesh), Lines{c.rows}) << c.what;
+    EXPECT_EQ(Faces(filled.mesh), Lines{c.rows}) << c.what;
     ASSERT_EQ(filled.mesh.m_normals.size(), c.normalCount) << c.what;
     EXPECT_EQ(filled.mesh.m_normals[1], (Vec3{0, 1, 0})) << c.what;
     EXPECT_EQ(filled.mesh.m_normals[2], (Vec3{0, 0, -1})) << c.what;
