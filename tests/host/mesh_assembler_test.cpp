@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <numbers>
+#include <random>
 #include <vector>
 
 #include "host/HostTesting.h"
@@ -39,6 +40,31 @@ Soup FlatCone(int sides) {
     soup.insert(soup.end(), {{Point3(), normal}, {rim(i), normal}, {rim(i + 1), normal}});
   }
   return soup;
+}
+
+// A grid of triangles whose corners take one of a few normals each by chance.
+TEST(MeshAssembler, LookUpGivesBackEveryNormal) {
+  for (unsigned seed = 0; seed < 20; ++seed) {
+    SCOPED_TRACE(seed);
+    std::mt19937 random(seed);
+    Soup soup;
+    const auto add = [&](int x, int y) {
+      const float pick = static_cast<float>(random() % (2 + seed % 4));
+      soup.push_back(
+          {Point3(static_cast<float>(x), static_cast<float>(y), 0), Normalize(Point3(pick, 1, 2))});
+    };
+    for (int cell = 0; cell < 144; ++cell) {
+      const int x = cell % 12, y = cell / 12;
+      add(x, y), add(x + 1, y), add(x + 1, y + 1);
+    }
+    const AssembledMesh result = Assemble(soup);
+    EXPECT_EQ(result.flattenedFaces, 0u);
+    for (int i = 0; i < static_cast<int>(soup.size()); ++i) {
+      const auto& [position, normal] = soup[static_cast<size_t>(i)];
+      EXPECT_EQ(result.mesh.verts[result.mesh.faces[i / 3].v[i % 3]], position) << "corner " << i;
+      EXPECT_EQ(LookUpNormal(result.mesh, i / 3, i % 3), normal) << "corner " << i;
+    }
+  }
 }
 
 TEST(MeshAssembler, FacesBeyondTheGroupsAreFlatAndSpoilNoOther) {
@@ -89,6 +115,17 @@ TEST(MeshAssembler, MergesPositionsBitByBit) {
   EXPECT_EQ(face.v[0], 0u);
   EXPECT_EQ(face.v[1], 1u);
   EXPECT_EQ(face.v[2], 4u);
+}
+
+TEST(MeshAssembler, PositionsWithOtherWeightsStayApart) {
+  MeshAssembler assembler(3, 1);
+  assembler.BeginPart(0);
+  for (const uint32_t bone : {0, 1, 0}) {
+    const BoneWeight weight{bone, 1};
+    assembler.AddVertex({Point3(1, 2, 3), nullptr, nullptr, {&weight, 1}});
+  }
+  assembler.AddTriangle(0, 1, 2);
+  EXPECT_EQ(assembler.Finish().mesh.getNumVerts(), 2);
 }
 
 }  // namespace
