@@ -1,6 +1,8 @@
 #pragma once
 
+#ifndef _WIN32
 #include <dlfcn.h>
+#endif
 
 #include <algorithm>
 #include <functional>
@@ -15,12 +17,22 @@
 
 namespace orv {
 
+#ifdef _WIN32
+inline void* LoadPlugin() { return LoadLibraryA(ORV_PLUGIN_PATH); }
+inline void* FindSymbol(void* library, const char* name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(library), name));
+}
+#else
+inline void* LoadPlugin() { return dlopen(ORV_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL); }
+inline void* FindSymbol(void* library, const char* name) { return dlsym(library, name); }
+#endif
+
 // An entry point of the plug-in library under test, by its name.
 template <typename Function>
 Function* Entry(const char* name) {
-  static void* library = dlopen(ORV_PLUGIN_PATH, RTLD_NOW | RTLD_LOCAL);
-  if (!library) throw std::runtime_error(dlerror());
-  return reinterpret_cast<Function*>(dlsym(library, name));
+  static void* library = LoadPlugin();
+  if (!library) throw std::runtime_error("cannot load " ORV_PLUGIN_PATH);
+  return reinterpret_cast<Function*>(FindSymbol(library, name));
 }
 
 // A host's dialogs, answered by a test; they keep the calls and the log.
