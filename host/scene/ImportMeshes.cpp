@@ -11,6 +11,7 @@
 namespace orv::host {
 namespace {
 
+constexpr unsigned kVerticesAhead = 16;  // covers the time that memory takes to answer
 constexpr size_t kMostMaterials = std::numeric_limits<MtlID>::max();
 
 // What one or several nodes show.
@@ -196,6 +197,9 @@ class MeshImport {
         part, [&](const aiBone& bone) { return BoneNumber(bone, nodeName, bones); });
     const aiVector3D* texCoords = part.mTextureCoords[TexCoordChannel(part)];
     for (unsigned v = 0; v < part.mNumVertices; ++v) {
+      if (v + kVerticesAhead < part.mNumVertices) {
+        assembler.Expect(m_context.turn.Point(part.mVertices[v + kVerticesAhead]));
+      }
       FileVertex vertex{m_context.turn.Point(part.mVertices[v]), nullptr, nullptr, weights.Of(v)};
       Point3 normal;
       UVVert texCoord;

@@ -11,8 +11,6 @@
 namespace orv::host {
 namespace {
 
-constexpr uint32_t kEmpty = kNoFan;
-
 size_t HashBits(const Point3& p, uint32_t seed) {
   uint32_t bits[3];
   std::memcpy(bits, &p, sizeof bits);
@@ -23,24 +21,30 @@ size_t HashBits(const Point3& p, uint32_t seed) {
 
 bool SameBits(const Point3& a, const Point3& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
-// At most two thirds full.
-std::vector<uint32_t> MakeTable(size_t entries) {
-  return std::vector<uint32_t>(std::bit_ceil(entries + entries / 2 + 1), kEmpty);
-}
-
-// The slot of the entry that `matches`, or the empty one where it belongs.
-template <typename Matches>
-uint32_t& FindSlot(std::vector<uint32_t>& table, size_t hash, Matches matches) {
-  const size_t mask = table.size() - 1;
-  size_t i = hash & mask;
-  while (table[i] != kEmpty && !matches(table[i])) i = (i + 1) & mask;
-  return table[i];
-}
-
 }  // namespace
 
+MeshAssembler::Table::Table(size_t entries) : m_slots(std::bit_ceil(entries + entries / 2 + 1)) {}
+
+void MeshAssembler::Table::Prefetch([[maybe_unused]] size_t hash) const {
+#ifdef __GNUC__
+  __builtin_prefetch(&m_slots[hash & (m_slots.size() - 1)]);
+#endif
+}
+
+// The hashes are compared first: the entries themselves are far away.
+template <typename Matches>
+uint32_t& MeshAssembler::Table::Find(size_t hash, Matches matches) {
+  const size_t mask = m_slots.size() - 1;
+  const uint32_t tag = static_cast<uint32_t>(hash >> 32);
+  size_t i = hash & mask;
+  while (m_slots[i].number != kNone && (m_slots[i].hash != tag || !matches(m_slots[i].number)))
+    i = (i + 1) & mask;
+  m_slots[i].hash = tag;
+  return m_slots[i].number;
+}
+
 MeshAssembler::MeshAssembler(size_t vertexCount, size_t triangleCount)
-    : m_vertexLimit(vertexCount), m_positionTable(MakeTable(vertexCount)) {
+    : m_vertexLimit(vertexCount), m_positionTable(vertexCount) {
   m_mesh.setNumFaces(static_cast<int>(triangleCount));
   m_mesh.setNumTVFaces(static_cast<int>(triangleCount));
   // What stays unused of these is never touched, so it takes no memory.
@@ -58,6 +62,10 @@ void MeshAssembler::BeginPart(MtlID material) {
                      static_cast<uint32_t>(m_texCoords.size()), false});
 }
 
+void MeshAssembler::Expect(const Point3& position) const {
+  m_positionTable.Prefetch(HashBits(position, 0));
+}
+
 void MeshAssembler::AddVertex(const FileVertex& vertex) {
   const uint32_t position = FindOrAddPosition(vertex);
   m_vertexPosition.push_back(position);
@@ -69,12 +77,12 @@ void MeshAssembler::AddVertex(const FileVertex& vertex) {
 }
 
 uint32_t MeshAssembler::FindOrAddPosition(const FileVertex& vertex) {
-  uint32_t& slot = FindSlot(m_positionTable, HashBits(vertex.position, 0), [&](uint32_t position) {
+  uint32_t& slot = m_positionTable.Find(HashBits(vertex.position, 0), [&](uint32_t position) {
     if (!SameBits(m_positions[position], vertex.position)) return false;
     if (m_skin.starts.empty()) return vertex.weights.empty();
     return std::ranges::equal(m_skin.Of(position), vertex.weights);
   });
-  if (slot == kEmpty) {
+  if (slot == Table::kNone) {
     slot = static_cast<uint32_t>(m_positions.size());
     m_positions.push_back(vertex.position);
     AddWeights(vertex.weights);
@@ -97,11 +105,11 @@ uint32_t MeshAssembler::FindOrAddFan(uint32_t position, const Point3& normal) {
   uint32_t& first = m_firstFan[position];
   if (first == kNoFan) return first = AddFan(position, normal);
   if (SameBits(m_fanNormals[first], normal)) return first;
-  if (m_fanTable.empty()) m_fanTable = MakeTable(m_vertexLimit);
-  uint32_t& slot = FindSlot(m_fanTable, HashBits(normal, position), [&](uint32_t fan) {
+  if (m_fanTable.Empty()) m_fanTable = Table(m_vertexLimit);
+  uint32_t& slot = m_fanTable.Find(HashBits(normal, position), [&](uint32_t fan) {
     return m_fanPosition[fan] == position && SameBits(m_fanNormals[fan], normal);
   });
-  if (slot == kEmpty) slot = AddFan(position, normal);
+  if (slot == Table::kNone) slot = AddFan(position, normal);
   return slot;
 }
 
@@ -123,8 +131,8 @@ void MeshAssembler::AddTriangle(uint32_t a, uint32_t b, uint32_t c) {
 }
 
 AssembledMesh MeshAssembler::Finish() {
-  m_positionTable = {};
-  m_fanTable = {};
+  m_positionTable = Table();
+  m_fanTable = Table();
   m_firstFan = {};
   m_vertexPosition = {};
   AssembledMesh result;

@@ -54,6 +54,8 @@ class MeshAssembler {
   MeshAssembler(size_t vertexCount, size_t triangleCount);
 
   void BeginPart(MtlID material);
+  // Says, some vertices ahead, that one at this position is going to be added.
+  void Expect(const Point3& position) const;
   void AddVertex(const FileVertex& vertex);
   // Counter-clockwise; each below the number of vertices that the part has by now.
   void AddTriangle(uint32_t a, uint32_t b, uint32_t c);
@@ -66,6 +68,28 @@ class MeshAssembler {
     uint32_t firstFace;
     uint32_t firstTexCoord;
     bool hasTexCoords;
+  };
+
+  // Open addressing, at most two thirds full.
+  class Table {
+   public:
+    static constexpr uint32_t kNone = 0xFFFFFFFF;
+
+    Table() = default;
+    explicit Table(size_t entries);
+    bool Empty() const { return m_slots.empty(); }
+    void Prefetch(size_t hash) const;
+    // The number of the entry that `matches`; kNone, to be set, where it belongs when there is
+    // none.
+    template <typename Matches>
+    uint32_t& Find(size_t hash, Matches matches);
+
+   private:
+    struct Slot {
+      uint32_t number = kNone;
+      uint32_t hash = 0;
+    };
+    std::vector<Slot> m_slots;
   };
 
   uint32_t FindOrAddPosition(const FileVertex& vertex);
@@ -88,8 +112,8 @@ class MeshAssembler {
   std::vector<uint32_t> m_firstFan;  // of each position
   std::vector<UVVert> m_texCoords;
   SkinWeights m_skin;
-  std::vector<uint32_t> m_positionTable;  // open addressing, kNoFan where empty
-  std::vector<uint32_t> m_fanTable;       // empty until a position has a second fan
+  Table m_positionTable;
+  Table m_fanTable;  // empty until a position has a second fan
 };
 
 }  // namespace orv::host
