@@ -20,15 +20,25 @@ bool IsUsable(const GenericMesh& mesh, const GenericFace& face) {
          });
 }
 
-// Not finite for a triangle of zero area.
-Vec3 FaceNormal(Vec3 p0, Vec3 p1, Vec3 p2) {
-  const Vec3 normal = Cross(p1 - p0, p2 - p0);
-  return normal * (1.0f / Length(normal));
-}
+// Stands upright on the triangle and is twice its area long.
+Vec3 UprightOn(Vec3 p0, Vec3 p1, Vec3 p2) { return Cross(p1 - p0, p2 - p0); }
 
-Vec3 FaceNormal(const GenericMesh& mesh, std::span<const FaceCorner> corners) {
-  return FaceNormal(mesh.m_positions[corners[0].position], mesh.m_positions[corners[1].position],
-                    mesh.m_positions[corners[2].position]);
+// The surface area, and face normals that are not finite for triangles of zero area. From the
+// source's own corners: those they were welded with may have 0 for -0.
+void MeasureFaces(const GenericMesh& mesh, std::span<const uint32_t> faces,
+                  IndexedMesh::Chunk& chunk) {
+  double doubleArea = 0;
+  chunk.faceNormals.reserve(faces.size());
+  for (const uint32_t face : faces) {
+    const auto corners = mesh.m_faces[face].corners;
+    const Vec3 upright =
+        UprightOn(mesh.m_positions[corners[0].position], mesh.m_positions[corners[1].position],
+                  mesh.m_positions[corners[2].position]);
+    const float length = Length(upright);
+    doubleArea += length;
+    chunk.faceNormals.push_back(upright * (1.0f / length));
+  }
+  chunk.surfaceArea = static_cast<float>(doubleArea / 2);
 }
 
 bool NarrowIndices(const std::vector<std::array<uint32_t, 3>>& from, std::vector<Triangle>& to) {
@@ -51,20 +61,11 @@ bool FinishChunk(const GenericMesh& mesh, const ChunkDraft& draft, IndexedMesh::
     chunk.normals.push_back(mesh.m_normals[corner.normal]);
   }
   if (!NarrowIndices(draft.triangles, chunk.triangles)) return false;
-  chunk.faceNormals.reserve(draft.faces.size());
-  for (const uint32_t face : draft.faces) {
-    chunk.faceNormals.push_back(FaceNormal(mesh, mesh.m_faces[face].corners));
-  }
-  chunk.surfaceArea = ComputeSurfaceArea(chunk);
+  MeasureFaces(mesh, draft.faces, chunk);
   return true;
 }
 
 bool IsDegenerate(const Triangle& t) { return t[0] == t[1] || t[1] == t[2] || t[2] == t[0]; }
-
-std::array<Vec3, 3> CornersOf(const IndexedMesh::Chunk& chunk, const Triangle& t) {
-  return {chunk.vertices[t[0]].Position(), chunk.vertices[t[1]].Position(),
-          chunk.vertices[t[2]].Position()};
-}
 
 }  // namespace
 
@@ -113,20 +114,13 @@ std::vector<Vec3> ComputeFaceNormals(const IndexedMesh::Chunk& chunk) {
   std::vector<Vec3> normals;
   normals.reserve(chunk.triangles.size());
   for (const Triangle& triangle : chunk.triangles) {
-    const auto [p0, p1, p2] = CornersOf(chunk, triangle);
-    const bool flat = Length(Cross(p1 - p0, p2 - p0)) == 0;
-    normals.push_back(flat ? Vec3{0, 0, 1} : FaceNormal(p0, p1, p2));
+    const Vec3 upright =
+        UprightOn(chunk.vertices[triangle[0]].Position(), chunk.vertices[triangle[1]].Position(),
+                  chunk.vertices[triangle[2]].Position());
+    const float length = Length(upright);
+    normals.push_back(length == 0 ? Vec3{0, 0, 1} : upright * (1.0f / length));
   }
   return normals;
-}
-
-float ComputeSurfaceArea(const IndexedMesh::Chunk& chunk) {
-  double doubleArea = 0;
-  for (const Triangle& triangle : chunk.triangles) {
-    const auto [p0, p1, p2] = CornersOf(chunk, triangle);
-    doubleArea += Length(Cross(p1 - p0, p2 - p0));
-  }
-  return static_cast<float>(doubleArea / 2);
 }
 
 }  // namespace orv

@@ -36,7 +36,4 @@ class ExIndexedMesh : public IndexedMesh {
 // Cross(p1 - p0, p2 - p0) at unit length; (0, 0, 1) for a triangle of zero area.
 std::vector<Vec3> ComputeFaceNormals(const IndexedMesh::Chunk& chunk);
 
-// Square metres.
-float ComputeSurfaceArea(const IndexedMesh::Chunk& chunk);
-
 }  // namespace orv
