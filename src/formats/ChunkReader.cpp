@@ -13,7 +13,18 @@ namespace orv {
 namespace {
 
 constexpr size_t kMaxRemarks = 64;             // a file with more is damaged throughout
-constexpr size_t kReadStep = size_t{1} << 20;  // a size that the file claims is not believed
+constexpr size_t kReadStep = size_t{1} << 20;
+constexpr size_t kMostReserved = size_t{1} << 28;  // a greater size is believed as it is read
+
+// Room for the rest of the file, so that it is not moved while it grows. Leaves errno alone: a pipe
+// has no size, and no fault for it.
+void ReserveForFile(std::ifstream& in, std::string& bytes) {
+  const int before = errno;
+  const std::streamoff size = in.rdbuf()->pubseekoff(0, std::ios::end, std::ios::in);
+  if (size > 0) bytes.reserve(std::min(static_cast<size_t>(size), kMostReserved) + kReadStep);
+  in.rdbuf()->pubseekpos(0, std::ios::in);
+  errno = before;
+}
 
 // A tag from a damaged file, fit for a message.
 std::string Printable(std::string_view tag) {
@@ -42,6 +53,7 @@ bool ReadWholeFile(const std::string& fileName, std::string& bytes, ReadProblem&
   errno = 0;
   binifstream in(fileName);
   bytes.clear();
+  if (in) ReserveForFile(in, bytes);
   while (in) {
     const size_t before = bytes.size();
     bytes.resize(before + kReadStep);
