@@ -77,6 +77,7 @@ static class LogWindow {
   const int TickMilliseconds = 10;
 
   static DialogLog s_log;  // null: none is open
+  static readonly KeyFilter s_keys = new KeyFilter();
   static readonly Stopwatch s_sinceMessages = Stopwatch.StartNew();
 
   public static Form Current {
@@ -85,6 +86,7 @@ static class LogWindow {
 
   public static int Open(int owner) {
     Close();
+    Application.AddMessageFilter(s_keys);
     IWin32Window ownerWindow = OwnerWindow.From(owner);
     s_log = new DialogLog();
     Look.Place(s_log, ownerWindow);
@@ -108,8 +110,22 @@ static class LogWindow {
   }
 
   public static void Close() {
+    Application.RemoveMessageFilter(s_keys);
     if (s_log != null) s_log.Dispose();
     s_log = null;
+  }
+
+  // Not every runtime's DoEvents looks for access keys, Enter and Escape before it hands a key to
+  // the control that has the focus.
+  sealed class KeyFilter : IMessageFilter {
+    const int FirstKeyMessage = 0x100, LastKeyMessage = 0x109;
+
+    public bool PreFilterMessage(ref Message message) {
+      if (message.Msg < FirstKeyMessage || message.Msg > LastKeyMessage) return false;
+      Control control = Control.FromChildHandle(message.HWnd);
+      return control != null && control.FindForm() == Current &&
+             control.PreProcessMessage(ref message);
+    }
   }
 }
 }

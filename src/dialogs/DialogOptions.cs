@@ -28,6 +28,7 @@ public sealed class DialogOptions : Form {
                                                 DialogResult = DialogResult.Cancel };
   readonly TableLayoutPanel m_window = Look.Table(100);
   readonly FlowLayoutPanel m_buttons;
+  bool m_isOrdering;
 
   public DialogOptions() {
     Look.Prepare(this, "Velmor Exporter Options");
@@ -63,12 +64,14 @@ public sealed class DialogOptions : Form {
         (sender, e) => Bridge.Guard(() => EnablePanels());
     m_checkExportAnimation.CheckedChanged +=
         (sender, e) => Bridge.Guard(() => EnablePanels());
-    m_numericFrameFirst.ValueChanged += (sender, e) => Bridge.Guard(
-        () => m_numericFrameLast.Value = Math.Max(m_numericFrameFirst.Value,
-                                                  m_numericFrameLast.Value));
-    m_numericFrameLast.ValueChanged += (sender, e) => Bridge.Guard(
-        () => m_numericFrameFirst.Value = Math.Min(m_numericFrameFirst.Value,
-                                                   m_numericFrameLast.Value));
+    m_numericFrameFirst.ValueChanged +=
+        (sender, e) => Bridge.Guard(() => KeepInOrder(m_numericFrameLast));
+    m_numericFrameLast.ValueChanged +=
+        (sender, e) => Bridge.Guard(() => KeepInOrder(m_numericFrameFirst));
+    foreach (NumericUpDown box in new[] { m_numericFrameFirst, m_numericFrameLast }) {
+      NumericUpDown left = box;
+      box.Leave += (sender, e) => Bridge.Guard(() => TakeTyped(left));
+    }
     m_buttonEventFileSelect.Click += (sender, e) => Bridge.Guard(() => SelectEventFile());
     m_buttonStart.Click += (sender, e) => Bridge.Guard(() => StartOrSayWhyNot());
     Load += (sender, e) => Bridge.Guard(() => Arrange());
@@ -119,6 +122,23 @@ public sealed class DialogOptions : Form {
     box.Value = Math.Max(first, Math.Min(last, value));
   }
 
+  // The box itself takes over what is typed in it, but not always before it is asked.
+  static void TakeTyped(NumericUpDown box) {
+    decimal typed;
+    if (decimal.TryParse(box.Text, out typed))
+      box.Value = Math.Max(box.Minimum, Math.Min(box.Maximum, decimal.Truncate(typed)));
+  }
+
+  // follower: gives way when the first frame would stand behind the last one. Reading the value of
+  // a box can change it, hence the flag.
+  void KeepInOrder(NumericUpDown follower) {
+    if (m_isOrdering) return;
+    m_isOrdering = true;
+    decimal first = m_numericFrameFirst.Value, last = m_numericFrameLast.Value;
+    if (first > last) follower.Value = follower == m_numericFrameLast ? first : last;
+    m_isOrdering = false;
+  }
+
   void EnablePanels() {
     m_panelGeometry.Enabled = m_checkExportGeometry.Checked;
     m_panelAnimation.Enabled = m_checkExportAnimation.Checked;
@@ -131,6 +151,8 @@ public sealed class DialogOptions : Form {
   }
 
   void StartOrSayWhyNot() {
+    TakeTyped(m_numericFrameFirst);
+    TakeTyped(m_numericFrameLast);
     if (m_checkExportGeometry.Checked || m_checkExportAnimation.Checked) {
       DialogResult = DialogResult.OK;
       return;

@@ -106,9 +106,12 @@ bool FormsDialogs::ShowOptions(int owner, Options& options) {
   return true;
 }
 
+// The window handles its first messages in the call that opens it, so it can be closed again by
+// the time the call returns.
 void FormsDialogs::OpenLog(int owner) {
   m_earlyLines.clear();
-  if (m_started && m_table.openLog(owner)) m_logState = LogState::Open;
+  m_logState = LogState::Open;
+  if (!m_started || !m_table.openLog(owner)) m_logState = LogState::Closed;
 }
 
 void FormsDialogs::Log(Severity severity, const char* text) {

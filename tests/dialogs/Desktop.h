@@ -1,0 +1,195 @@
+#pragma once
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "TemporaryFolder.h"
+
+namespace orv {
+
+constexpr std::chrono::seconds kPatience(30);  // for what takes a second on an idle machine
+
+// False when it has not come true in time.
+inline bool WaitUntil(const std::function<bool()>& condition) {
+  const auto end = std::chrono::steady_clock::now() + kPatience;
+  while (!condition()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+  return true;
+}
+
+// A program that runs beside the test and is killed with it.
+class Program {
+ public:
+  // Output goes to the files FOLDER/NAME.out and FOLDER/NAME.err. Only keepOpen of the test's own
+  // files is handed down.
+  Program(const std::string& folder, const std::string& name, std::vector<std::string> arguments,
+          const std::map<std::string, std::string>& environment = {}, int keepOpen = -1)
+      : m_out(folder + "/" + name + ".out"), m_err(folder + "/" + name + ".err") {
+    m_pid = fork();
+    if (m_pid != 0) return;
+    for (const auto& [key, value] : environment) setenv(key.c_str(), value.c_str(), 1);
+    const int input = open("/dev/null", O_RDONLY);
+    const int out = open(m_out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    const int err = open(m_err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+    if (chdir(folder.c_str()) != 0 || input < 0 || out < 0 || err < 0) _exit(126);
+    dup2(input, 0);
+    dup2(out, 1);
+    dup2(err, 2);
+    for (int file = 3; file < 256; ++file)
+      if (file != keepOpen) close(file);
+    std::vector<char*> argv;
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    execvp(argv[0], argv.data());
+    _exit(127);
+  }
+  ~Program() {
+    if (m_pid <= 0 || m_status) return;
+    kill(m_pid, SIGKILL);
+    waitpid(m_pid, nullptr, 0);
+  }
+  Program(const Program&) = delete;
+
+  bool Ended() {
+    int status = 0;
+    if (!m_status && waitpid(m_pid, &status, WNOHANG) == m_pid)
+      m_status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    return m_status.has_value();
+  }
+  // Its exit status; -1 when it does not end.
+  int Status() {
+    return WaitUntil([this] { return Ended(); }) ? *m_status : -1;
+  }
+
+  std::string Output() const { return ContentOf(m_out); }
+  std::string Errors() const { return ContentOf(m_err); }
+  pid_t Pid() const { return m_pid; }
+
+ private:
+  pid_t m_pid;
+  std::string m_out, m_err;
+  std::optional<int> m_status;
+};
+
+// An X display with a window manager, a pointer and a keyboard, for one test program. Windows are
+// named by what stands in their title, buttons and check boxes by their captions with the "&".
+class Desktop {
+ public:
+  static Desktop& Get() {
+    static Desktop s_desktop;
+    return s_desktop;
+  }
+
+  // Waits for a window and until it has the keyboard. Throws when that does not happen.
+  std::string Window(const std::string& title) {
+    std::string id;
+    Demand("a window " + title, [&] { return !(id = Find(title)).empty(); });
+    Demand("the keyboard for " + title, [&] {
+      if (m_manager->Ended())
+        throw std::runtime_error("the window manager has ended: " +
+                                 std::to_string(m_manager->Status()) + m_manager->Errors());
+      if (Run("xdotool getactivewindow") == id) return true;
+      Run("xdotool windowactivate " + id);
+      return false;
+    });
+    return id;
+  }
+  bool IsShown(const std::string& title) { return !Find(title).empty(); }
+  void WaitUntilGone(const std::string& id) {
+    Demand("the end of window " + id, [&] { return IsGone(id); });
+  }
+  // Within two seconds.
+  bool IsGoneSoon(const std::string& id) {
+    for (int i = 0; i < 100 && !IsGone(id); ++i)
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    return IsGone(id);
+  }
+
+  // With the pointer, in the middle of the control.
+  void Click(const std::string& caption) {
+    std::string id;
+    Demand("a control " + caption, [&] { return !(id = Find(caption)).empty(); });
+    Run("eval $(xdotool getwindowgeometry --shell " + id +
+        "); xdotool mousemove --window $WINDOW $((WIDTH/2)) $((HEIGHT/2)) click 1");
+  }
+  // On the window manager's button, which stands at the right end of the title above the window.
+  void ClickClose(const std::string& id) {
+    Run("eval $(xdotool getwindowgeometry --shell " + id +
+        "); xdotool mousemove --window $WINDOW $((WIDTH-8)) 0 mousemove_relative -- 0 -10 click 1");
+  }
+  void Key(const std::string& keys) { Run("xdotool key " + keys); }
+  void Type(const std::string& text) { Run("xdotool type '" + text + "'"); }
+
+  std::string Clipboard() { return Run("timeout 10 xclip -selection clipboard -o"); }
+
+  // Its output without the last line end.
+  std::string Run(const std::string& command) {
+    std::string output;
+    FILE* pipe = popen(("{ " + command + "; } 2>/dev/null").c_str(), "r");
+    char buffer[4096];
+    for (size_t n; (n = fread(buffer, 1, sizeof(buffer), pipe)) > 0;) output.append(buffer, n);
+    pclose(pipe);
+    while (output.ends_with('\n')) output.pop_back();
+    return output;
+  }
+
+ private:
+  Desktop() {
+    int ends[2];
+    if (pipe(ends) != 0) throw std::runtime_error("no pipe");
+    m_server.emplace(m_folder.File(""), "xvfb",
+                     std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(ends[1]),
+                                              "-screen", "0", "1024x768x24", "-nolisten", "tcp"},
+                     std::map<std::string, std::string>{}, ends[1]);
+    close(ends[1]);
+    std::string number;
+    for (char c; read(ends[0], &c, 1) == 1 && c != '\n';) number += c;
+    close(ends[0]);
+    if (number.empty()) throw std::runtime_error("no display: " + m_server->Errors());
+    setenv("DISPLAY", (":" + number).c_str(), 1);
+    m_manager.emplace(m_folder.File(""), "jwm",
+                      std::vector<std::string>{"jwm", "-f", ORV_DIALOG_TESTS "/jwmrc"});
+    Demand("a window manager", [&] { return !Run("xdotool get_num_desktops").empty(); });
+  }
+
+  bool IsGone(const std::string& id) {
+    return (Run("xdotool search --onlyvisible --name .") + "\n").find(id + "\n") ==
+           std::string::npos;
+  }
+
+  static void Demand(const std::string& what, const std::function<bool()>& condition) {
+    if (!WaitUntil(condition)) throw std::runtime_error("waited in vain for " + what);
+  }
+
+  // The newest visible one of that very name; "" when there is none.
+  std::string Find(const std::string& name) {
+    std::string pattern;
+    for (const char c : name)
+      pattern += std::isalnum(c) || c == ' ' ? std::string(1, c) : std::string("[") + c + "]";
+    const std::string ids = Run("xdotool search --onlyvisible --name '^" + pattern + "$'");
+    return ids.substr(ids.find_last_of('\n') + 1);
+  }
+
+  TemporaryFolder m_folder;
+  std::optional<Program> m_server, m_manager;
+};
+
+}  // namespace orv
