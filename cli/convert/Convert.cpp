@@ -83,27 +83,30 @@ class SceneBuilder {
     }
   }
 
-  int32_t BoneOf(size_t chunk) {
+  using BonesByName = std::unordered_map<std::string, size_t>;  // names in lower case
+
+  // The first bone of each name.
+  BonesByName ModelBones(size_t count) const {
+    BonesByName bones;
+    for (size_t i = 0; i < count; ++i) {
+      bones.try_emplace(LowerCase(m_bones[i].name), i);
+    }
+    return bones;
+  }
+
+  int32_t BoneOf(size_t chunk, const BonesByName& bones) {
     const std::string& name = m_file.chunks[chunk].boneName;
     if (name.empty()) return -1;
-    for (size_t i = 0; m_skinBoneCount == 0 && i < m_modelBoneCount; ++i) {
-      if (EqualIgnoringCase(m_bones[i].name, name)) return static_cast<int32_t>(i);
-    }
+    if (const auto found = bones.find(LowerCase(name)); found != bones.end())
+      return static_cast<int32_t>(found->second);
     m_messages.mended.push_back("chunk " + std::to_string(chunk) + ": its bone " + name +
                                 " is not in the file, put at the origin");
     return -1;
   }
 
-  SkinWeights MakeWeights() const {
-    std::unordered_map<std::string, uint16_t> joints;
-    for (size_t i = 0; i < m_skinBoneCount; ++i) {
-      joints.emplace(LowerCase(m_bones[i].name), static_cast<uint16_t>(i));
-    }
-    return SkinWeights(std::move(joints), static_cast<uint16_t>(m_skinBoneCount));
-  }
-
   void AddPrimitives() {
-    SkinWeights skin = MakeWeights();
+    SkinWeights skin(ModelBones(m_skinBoneCount), static_cast<uint16_t>(m_skinBoneCount));
+    const BonesByName rigid = ModelBones(m_skinBoneCount == 0 ? m_modelBoneCount : 0);
     for (size_t i = 0; i < m_mesh.chunks.size(); ++i) {
       ChunkWeights weights;
       if (m_skinBoneCount > 0) weights = skin.Of(m_mesh, i, m_messages);
@@ -111,7 +114,7 @@ class SceneBuilder {
           AddPrimitive(m_document, m_mesh.chunks[i], i, weights, m_messages);
       if (!primitive) continue;
       (*primitive)["material"] = MaterialNumber(m_mesh.chunks[i].material);
-      m_parts[{BoneOf(i), !weights.empty()}].push_back(std::move(*primitive));
+      m_parts[{BoneOf(i, rigid), !weights.empty()}].push_back(std::move(*primitive));
     }
     if (!skin.NeedsStillJoint()) return;
     m_stillBone = m_bones.size();

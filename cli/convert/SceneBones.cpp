@@ -16,7 +16,9 @@ struct SkinBone {
   int32_t parent = -1;
   bool parentMissing = false;  // it has one that the file lacks
   Pose local;                  // relative to the parent
-  std::optional<Pose> world;
+  std::optional<size_t> top;   // the bone that it stands below and that stands below none
+  Pose belowTop;               // relative to that one
+  Pose world;                  // a top bone's; of the others, once all are placed
 };
 
 class SkinTree {
@@ -28,16 +30,21 @@ class SkinTree {
   }
 
   void Place(const AnimationFile* animation, double metresPerUnit) {
+    for (size_t i = 0; i < m_bones.size(); ++i) FindTop(i);
+    const auto fromVertices = TopsFromVertices();
+    const auto fromAnimation = FirstFrame(animation, metresPerUnit);
     for (size_t i = 0; i < m_bones.size(); ++i) {
-      if (m_bones[i].parent < 0) PlaceTop(i, animation, metresPerUnit);
+      if (m_bones[i].parent < 0) PlaceTop(m_bones[i], fromVertices[i], fromAnimation);
     }
-    for (size_t i = 0; i < m_bones.size(); ++i) PlaceBelow(i);
+    for (SkinBone& bone : m_bones) {
+      if (bone.parent >= 0) bone.world = Compose(m_bones[*bone.top].world, bone.belowTop);
+    }
   }
 
   std::vector<SceneBone> Result() const {
     std::vector<SceneBone> result;
     for (const SkinBone& bone : m_bones) {
-      Pose rest = *bone.world;
+      Pose rest = bone.world;
       rest.mirrored = false;  // the animation's quaternions cannot mirror either
       result.push_back({bone.header->m_name, bone.parent, rest, -1});
     }
@@ -87,59 +94,65 @@ class SkinTree {
     }
   }
 
-  // From the bone's own top bone down to it.
-  std::pair<size_t, Pose> BelowTop(size_t bone) const {
-    Pose pose = m_bones[bone].local;
-    if (m_bones[bone].parent < 0) return {bone, Pose{}};
-    size_t at = static_cast<size_t>(m_bones[bone].parent);
-    while (m_bones[at].parent >= 0) {
-      pose = Compose(m_bones[at].local, pose);
-      at = static_cast<size_t>(m_bones[at].parent);
+  void FindTop(size_t bone) {
+    std::vector<size_t> below;
+    size_t at = bone;
+    for (; !m_bones[at].top && m_bones[at].parent >= 0;
+         at = static_cast<size_t>(m_bones[at].parent)) {
+      below.push_back(at);
     }
-    return {at, pose};
+    if (!m_bones[at].top) m_bones[at].top = at;
+    for (; !below.empty(); below.pop_back()) {
+      SkinBone& next = m_bones[below.back()];
+      const SkinBone& parent = m_bones[static_cast<size_t>(next.parent)];
+      next.top = parent.top;
+      next.belowTop = Compose(parent.belowTop, next.local);
+    }
   }
 
-  std::optional<Pose> TopFromVertices(size_t top) const {
-    for (size_t i = 0; i < m_bones.size(); ++i) {
-      const auto [above, below] = BelowTop(i);
-      if (above != top) continue;
-      if (const std::optional<Pose> rest = RestFromVertices(m_mesh, m_bones[i].entries)) {
-        return Compose(*rest, Inverse(below));
+  // Of the top bones below something that the file lacks: where the vertices of the first bone
+  // that shows it put them.
+  std::vector<std::optional<Pose>> TopsFromVertices() const {
+    std::vector<std::optional<Pose>> tops(m_bones.size());
+    for (const SkinBone& bone : m_bones) {
+      if (!m_bones[*bone.top].parentMissing || tops[*bone.top]) continue;
+      if (const std::optional<Pose> rest = RestFromVertices(m_mesh, bone.entries)) {
+        tops[*bone.top] = Compose(*rest, Inverse(bone.belowTop));
       }
     }
-    return std::nullopt;
+    return tops;
   }
 
-  void PlaceTop(size_t top, const AnimationFile* animation, double metresPerUnit) {
-    SkinBone& bone = m_bones[top];
-    bone.world = bone.local;
-    if (!bone.parentMissing) return;
-    if (const std::optional<Pose> rest = TopFromVertices(top)) {
-      bone.world = rest;
-      return;
-    }
-    for (size_t i = 0; animation && animation->frameCount > 0 && i < animation->bones.size(); ++i) {
-      if (!EqualIgnoringCase(animation->bones[i].name, bone.header->m_name)) continue;
+  using PosesByName = std::unordered_map<std::string, Pose>;  // names in lower case
+
+  static PosesByName FirstFrame(const AnimationFile* animation, double metresPerUnit) {
+    PosesByName poses;
+    if (!animation || animation->frameCount == 0) return poses;
+    for (size_t i = 0; i < animation->bones.size(); ++i) {
       const BonePose& pose = animation->Frame(0)[i];
       if (const auto world = PoseFrom(pose.position, pose.rotation, metresPerUnit)) {
-        bone.world = world;
-        return;
+        poses.try_emplace(LowerCase(animation->bones[i].name), *world);
       }
+    }
+    return poses;
+  }
+
+  void PlaceTop(SkinBone& bone, const std::optional<Pose>& fromVertices,
+                const PosesByName& fromAnimation) {
+    bone.world = bone.local;
+    if (!bone.parentMissing) return;
+    if (fromVertices) {
+      bone.world = *fromVertices;
+      return;
+    }
+    if (const auto found = fromAnimation.find(LowerCase(bone.header->m_name));
+        found != fromAnimation.end()) {
+      bone.world = found->second;
+      return;
     }
     m_messages.notes.push_back("bone " + bone.header->m_name + ": its parent " +
                                bone.header->m_parentName +
                                " is not in the file and is taken to stand at the origin");
-  }
-
-  void PlaceBelow(size_t bone) {
-    std::vector<size_t> unplaced;
-    size_t at = bone;
-    for (; !m_bones[at].world; at = static_cast<size_t>(m_bones[at].parent)) unplaced.push_back(at);
-    Pose world = *m_bones[at].world;
-    for (; !unplaced.empty(); unplaced.pop_back()) {
-      world = Compose(world, m_bones[unplaced.back()].local);
-      m_bones[unplaced.back()].world = world;
-    }
   }
 
   const IndexedMesh& m_mesh;

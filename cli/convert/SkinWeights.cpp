@@ -62,7 +62,7 @@ ChunkWeights SkinWeights::Of(const IndexedMesh& mesh, size_t chunk, Messages& me
   ChunkWeights weights(mesh.chunks[chunk].vertices.size());
   bool any = false;
   for (const auto& bone : mesh.influences[chunk]->m_bones) {
-    const uint16_t joint = m_joints.at(LowerCase(bone->m_name));
+    const auto joint = static_cast<uint16_t>(m_joints.at(LowerCase(bone->m_name)));
     for (const VertexWeight& entry : bone->m_weights) {
       const bool isOn = entry.vertex < weights.size();
       const bool isGood = std::isfinite(entry.weight) && entry.weight >= 0;

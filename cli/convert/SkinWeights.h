@@ -26,14 +26,14 @@ constexpr size_t kMostJoints = 16;  // of a vertex: four sets
 class SkinWeights {
  public:
   // joints: of the bones by name in lower case. stillJoint: for vertices that follow no bone.
-  SkinWeights(std::unordered_map<std::string, uint16_t> joints, uint16_t stillJoint)
+  SkinWeights(std::unordered_map<std::string, size_t> joints, uint16_t stillJoint)
       : m_joints(std::move(joints)), m_stillJoint(stillJoint) {}
 
   ChunkWeights Of(const IndexedMesh& mesh, size_t chunk, Messages& messages);
   bool NeedsStillJoint() const { return m_needsStillJoint; }
 
  private:
-  std::unordered_map<std::string, uint16_t> m_joints;
+  std::unordered_map<std::string, size_t> m_joints;
   uint16_t m_stillJoint;
   bool m_needsStillJoint = false;
 };

@@ -49,8 +49,10 @@ uint32_t ReadInfo(ChunkReader& in, IndexedMeshFile& file) {
 uint32_t ReadShortCount(ChunkReader& in, const char* what, size_t minBytesEach) {
   const uint32_t count = in.ReadCount(what, minBytesEach);
   if (count > kMaxListed) {
-    in.Fail(ReadFault::Count, std::string(what) + " count " + std::to_string(count) +
-                                  " is beyond " + std::to_string(kMaxListed));
+    in.Fail(ReadFault::Count,
+            std::string(what) + " count " + std::to_string(count) + " is beyond " +
+                std::to_string(kMaxListed),
+            sizeof(count));
   }
   return count;
 }
@@ -59,7 +61,8 @@ uint32_t ReadShortCount(ChunkReader& in, const char* what, size_t minBytesEach) 
 void ReadMaps(ChunkReader& in, std::vector<MaterialMap>& maps) {
   const uint32_t count = in.ReadU32();
   if (count > kMaxListed || count > in.BytesLeft() / kMinMapBytes + 1) {
-    in.Fail(ReadFault::Count, "map count " + std::to_string(count) + " exceeds the chunk");
+    in.Fail(ReadFault::Count, "map count " + std::to_string(count) + " exceeds the chunk",
+            sizeof(count));
   }
   maps.reserve(count);
   while (maps.size() < count && (in.BytesLeft() > 0 || maps.size() + 1 < count)) {
@@ -117,9 +120,10 @@ void RequireVertices(const ChunkReader& in, const IndexedMesh::Chunk& chunk) {
   for (size_t i = 0; i < chunk.triangles.size(); ++i) {
     for (const uint16_t vertex : chunk.triangles[i]) {
       if (vertex < chunk.vertices.size()) continue;
-      in.Fail(ReadFault::Index, "triangle " + std::to_string(i) + " names vertex " +
-                                    std::to_string(vertex) + " of " +
-                                    std::to_string(chunk.vertices.size()));
+      in.Fail(ReadFault::Index,
+              "triangle " + std::to_string(i) + " names vertex " + std::to_string(vertex) + " of " +
+                  std::to_string(chunk.vertices.size()),
+              (chunk.triangles.size() - i) * sizeof(Triangle));
     }
   }
 }
