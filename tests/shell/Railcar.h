@@ -17,4 +17,8 @@ inline constexpr char kRailcarEvents[] =
     "// departure\n0 Sound_Event horn\n12 Effect_Event sparks /* third rail */\n30 Generic_Event "
     "x\n";
 
+// The bitmaps its materials name, but for the one that is not there.
+inline constexpr const char* kRailcarTextures[] = {"livery.tga", "livery_n.tga", "glass.tga",
+                                                   "glass_a.tga"};
+
 }  // namespace orv

@@ -20,7 +20,7 @@ inline std::string ExportRailcar(const std::filesystem::path& folder) {
   const fs::path before = fs::current_path();
   fs::current_path(folder);
   WriteContent("railcar.evt", kRailcarEvents);
-  for (const std::string name : {"livery.tga", "livery_n.tga", "glass.tga", "glass_a.tga"})
+  for (const std::string name : kRailcarTextures)
     WriteContent("textures/" + name, "pixels of " + name + "\n");
 
   host::Scene scene;

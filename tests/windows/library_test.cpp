@@ -139,5 +139,19 @@ TEST(Copying, OneFile) {
   EXPECT_EQ(ContentOf(target), "new texture");
 }
 
+TEST(Copying, TexturesInTheExportFolderStay) {
+  TemporaryFolder folder;
+  for (const char* name : kRailcarTextures) WriteContent(folder.File(name), name);
+  host::Scene scene;
+  BuildRailcar(scene, folder.File(""));
+  Plugin plugin(folder.File("settings"));
+  plugin.dialogs.onOptions = [](Options& options) { return options.m_collectTextures = true; };
+  plugin.Export(scene, folder.File("OUT.IM"));
+  EXPECT_TRUE(plugin.dialogs.Logged(
+      "error: The following 1 file(s) failed to copy or could not be located:"));
+  EXPECT_TRUE(plugin.dialogs.Logged("info:   notile_missing.tga"));
+  for (const char* name : kRailcarTextures) EXPECT_EQ(ContentOf(folder.File(name)), name);
+}
+
 }  // namespace
 }  // namespace orv
