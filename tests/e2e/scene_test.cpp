@@ -100,6 +100,7 @@ TEST(ExportedMaterials, AreThoseOfTheScene) {
   const auto material = [&](size_t chunk) { return file.mesh.chunks[chunk].material; };
   EXPECT_EQ(material(0).diffuse, (Vec3{0.5f, 0.25f, 0.75f}));
   EXPECT_EQ(material(0).twoSided, 0u);
+  EXPECT_NEAR(material(0).shininess, 40, 1e-3);
   EXPECT_EQ(material(1).twoSided, 1u);
   EXPECT_EQ(material(1).maps.at(0).fileName, "./glass-glass.texture");
   EXPECT_EQ(material(2).maps.at(1).channel, kBump);

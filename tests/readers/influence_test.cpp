@@ -27,9 +27,18 @@ class PhysiqueTest : public testing::Test {
 TEST_F(PhysiqueTest, OffsetsAreInTheSpaceOfTheBone) {
   node.SetTransform(MovedBy(10, 0, 0));
   body.SetTransform(ScaledBy(2, 2, 2) * QuarterTurnAt(1, 0, 0));
-  const auto influence = Read({&body}, {{{0, 1.0f}}, {}, {}});
-  EXPECT_EQ(influence.m_bones[0]->m_position, (Vec3{0.5f, 0, 0}));
-  EXPECT_EQ(influence.m_bones[0]->m_weights[0].offset, (Vec3{0, -4.5f, 0}));
+  host::MemoryNode& arm = scene.AddNode("b.arm", &body);
+  arm.SetTransform(MovedBy(3, 0, 0));
+  const auto influence = Read({&body, &arm}, {{{0, 0.25f}, {0, 0.5f}}, {{1, 1.0f}}, {}});
+  ASSERT_EQ(influence.m_bones.size(), 2u);
+  const GenericBoneInfluence &first = *influence.m_bones[0], &second = *influence.m_bones[1];
+  EXPECT_EQ(first.m_position, (Vec3{0.5f, 0, 0}));
+  ASSERT_EQ(first.m_weights.size(), 1u);  // summed up
+  EXPECT_EQ(first.m_weights[0].weight, 0.75f);
+  EXPECT_EQ(first.m_weights[0].offset, (Vec3{0, -4.5f, 0}));
+  EXPECT_EQ(second.m_parentName, "b.body");
+  EXPECT_EQ(second.m_position, (Vec3{3, 0, 0}));
+  EXPECT_EQ(second.m_weights[0].offset, (Vec3{-3, -5, 0}));
 }
 
 TEST_F(PhysiqueTest, BonesOfOneNameAreOneRecord) {
