@@ -9,6 +9,7 @@
 
 #include "Commands.h"
 #include "PluginLibrary.h"
+#include "ProcessHeap.h"
 #include "Suggest.h"
 #include "Terminal.h"
 #include "TerminalDialogs.h"
@@ -212,6 +213,7 @@ int Export(ExportArguments& arguments) {
 }  // namespace
 
 int RunExportCommand(ExportArguments arguments) {
+  KeepFreedMemory();
   try {
     return Export(arguments);
   } catch (const UsageError& error) {

@@ -19,10 +19,6 @@
 #include "host/scene/ImportMotion.h"
 #include "host/scene/ImportNodes.h"
 
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
-
 namespace orv::host {
 namespace {
 
@@ -76,13 +72,6 @@ std::unique_ptr<aiScene> ReadSource(const std::string& path) {
   return std::unique_ptr<aiScene>(importer.GetOrphanedScene());
 }
 
-// The importer keeps each face in an allocation of its own, and glibc would keep that memory.
-void GiveMemoryBack() {
-#ifdef __GLIBC__
-  malloc_trim(0);
-#endif
-}
-
 std::unique_ptr<Scene> ImportScene(const std::string& path, const SceneSettings& settings) {
   std::unique_ptr<aiScene> source = ReadSource(path);
   auto scene = std::make_unique<Scene>();
@@ -104,7 +93,6 @@ std::unique_ptr<Scene> ImportScene(const std::string& path, const SceneSettings&
   ImportMeshes(context, tree, materials);
   MakePointHelpers(context, tree);
   source.reset();
-  GiveMemoryBack();
   return scene;
 }
 
