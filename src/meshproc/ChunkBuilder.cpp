@@ -20,8 +20,9 @@ bool IsUsable(const GenericMesh& mesh, const GenericFace& face) {
          });
 }
 
-// Stands upright on the triangle and is twice its area long.
-Vec3 UprightOn(Vec3 p0, Vec3 p1, Vec3 p2) { return Cross(p1 - p0, p2 - p0); }
+// Stands upright on the triangle and is twice its area long. Inline: the compiler would not, and it
+// is called for every triangle twice.
+inline Vec3 UprightOn(Vec3 p0, Vec3 p1, Vec3 p2) { return Cross(p1 - p0, p2 - p0); }
 
 // The surface area, and face normals that are not finite for triangles of zero area. From the
 // source's own corners: those they were welded with may have 0 for -0.
