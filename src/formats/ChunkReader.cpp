@@ -12,7 +12,7 @@ namespace orv {
 
 namespace {
 
-constexpr size_t kMaxRemarks = 64;             // a file with more is damaged throughout
+constexpr size_t kMaxRemarks = 64;  // a file with more is damaged throughout
 constexpr size_t kReadStep = size_t{1} << 20;
 constexpr size_t kMostReserved = size_t{1} << 28;  // a greater size is believed as it is read
 
