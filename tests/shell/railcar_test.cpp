@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "IndependentReader.h"
 #include "RailcarExport.h"
+#include "formats/AnimationReader.h"
+#include "formats/IndexedMeshReader.h"
 
 namespace orv {
 namespace {
@@ -15,20 +16,21 @@ TEST(Railcar, EverythingArrivesInItsFiles) {
   EXPECT_NE(log.find("completed with 2 Errors and 0 Warnings."), log.npos) << log;
   EXPECT_NE(log.find("completed with 0 Errors and 0 Warnings."), log.npos) << log;
 
-  const auto mesh = independent::ParseMesh(contentOf("out/railcar.im"));
-  size_t triangles = 0, tangents = 0;
-  for (const auto& chunk : mesh.chunks) {
-    triangles += chunk.triangles.size();
-    tangents += chunk.tangents.size();
-  }
-  EXPECT_EQ(triangles, 2u * (96 * 90 + 3 * 40 * 12 + 32 * 24));
+  ReadProblem problem;
+  IndexedMeshFile mesh, bellows;
+  ASSERT_TRUE(ReadIndexedMesh(contentOf("out/railcar.im"), mesh, problem)) << problem.Message();
+  size_t tangents = 0;
+  for (const auto& chunk : mesh.mesh.chunks) tangents += chunk.tangents.size();
+  EXPECT_EQ(mesh.triangleCount, 2u * (96 * 90 + 3 * 40 * 12 + 32 * 24));
   EXPECT_GT(tangents, 0u);
   EXPECT_GT(mesh.chunks.size(), 4u) << "more pieces than materials";
   EXPECT_EQ(mesh.bones.size(), 5u);
-  EXPECT_EQ(mesh.attachments.size(), 2u);
-  EXPECT_EQ(independent::ParseMesh(contentOf("out/bellows.im")).influences.size(), 2u);
+  EXPECT_EQ(mesh.mesh.attachmentPoints.size(), 2u);
+  ASSERT_TRUE(ReadIndexedMesh(contentOf("out/bellows.im"), bellows, problem)) << problem.Message();
+  EXPECT_EQ(bellows.mesh.influences.at(0)->m_bones.size(), 2u);
 
-  const auto animation = independent::ParseAnimation(contentOf("out/railcar.kin"));
+  AnimationFile animation;
+  ASSERT_TRUE(ReadAnimation(contentOf("out/railcar.kin"), animation, problem));
   EXPECT_EQ(animation.bones.size(), 5u);
   EXPECT_EQ(animation.events.size(), 3u);
   EXPECT_EQ(contentOf("out/livery.tga"), "pixels of livery.tga\n");
