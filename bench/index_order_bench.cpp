@@ -1,46 +1,40 @@
-// Average cache misses per triangle and throughput of the triangle order, beside those of
-// meshoptimizer in the same run. Usage: index_order_bench [seconds per measurement]
+// The triangle order beside those of meshoptimizer: throughput, and average cache misses per
+// triangle with first-in first-out caches of 10 and 16 vertices.
 
 #include <meshoptimizer.h>
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <ctime>
-#include <exception>
-#include <functional>
-#include <numeric>
-#include <string>
+#include <memory>
 #include <vector>
 
+#include "Benches.h"
 #include "Pieces.h"
 #include "meshproc/IndexOptimizer.h"
 
 namespace orv::bench {
 namespace {
 
-using Order32 = std::vector<unsigned int>;
+using Indices = std::vector<unsigned>;
 
-struct Contender {
+struct Peer {
   const char* name;
-  std::function<void(Order32& out, const Order32& in, uint32_t vertexCount)> optimize;
+  void (*optimize)(Indices& out, const Indices& in, uint32_t vertexCount);
 };
 
-const Contender kPeers[] = {
+constexpr Peer kPeers[] = {
     {"VertexCache",
-     [](Order32& out, const Order32& in, uint32_t vertexCount) {
+     [](Indices& out, const Indices& in, uint32_t vertexCount) {
        meshopt_optimizeVertexCache(out.data(), in.data(), in.size(), vertexCount);
      }},
     {"Fifo(10)",
-     [](Order32& out, const Order32& in, uint32_t vertexCount) {
+     [](Indices& out, const Indices& in, uint32_t vertexCount) {
        meshopt_optimizeVertexCacheFifo(out.data(), in.data(), in.size(), vertexCount, 10);
      }},
     {"Fifo(16)",
-     [](Order32& out, const Order32& in, uint32_t vertexCount) {
+     [](Indices& out, const Indices& in, uint32_t vertexCount) {
        meshopt_optimizeVertexCacheFifo(out.data(), in.data(), in.size(), vertexCount, 16);
      }},
     {"Strip",
-     [](Order32& out, const Order32& in, uint32_t vertexCount) {
+     [](Indices& out, const Indices& in, uint32_t vertexCount) {
        meshopt_optimizeVertexCacheStrip(out.data(), in.data(), in.size(), vertexCount);
      }},
 };
@@ -53,122 +47,62 @@ size_t CountMisses(const auto& indices, uint32_t cacheSize) {
   return loads - cacheSize - 1;
 }
 
-struct Misses {
-  size_t at10 = 0;
-  size_t at16 = 0;
-
-  void Count(const auto& indices) {
-    at10 += CountMisses(indices, 10);
-    at16 += CountMisses(indices, 16);
+// `order(piece)` gives the indices in their new order.
+std::map<std::string, double> MissesPerTriangle(size_t pieceCount, const auto& order) {
+  double at10 = 0, at16 = 0, triangles = 0;
+  for (size_t piece = 0; piece < pieceCount; ++piece) {
+    const auto& indices = order(piece);
+    at10 += static_cast<double>(CountMisses(indices, 10));
+    at16 += static_cast<double>(CountMisses(indices, 16));
+    triangles += static_cast<double>(indices.size() / 3);
   }
-};
-
-double CpuSeconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
-
-// Million triangles a second of processor time: for each piece the best of the repetitions that
-// fit the time, so that whatever else runs on the machine counts little.
-double Throughput(const Model& model, double seconds, const std::function<void(size_t)>& run) {
-  std::vector<double> best(model.pieces.size(), 1e9);
-  const double start = CpuSeconds();
-  do {
-    for (size_t piece = 0; piece < best.size(); ++piece) {
-      const double begin = CpuSeconds();
-      run(piece);
-      best[piece] = std::min(best[piece], CpuSeconds() - begin);
-    }
-  } while (CpuSeconds() - start < seconds);
-  const double total = std::accumulate(best.begin(), best.end(), 0.0);
-  return static_cast<double>(model.TriangleCount()) / total / 1e6;
+  return {{kAcmr10, at10 / triangles}, {kAcmr16, at16 / triangles}};
 }
 
-struct Result {
-  Misses misses;
-  double throughput = 0;
-};
-
-Result MeasureOurs(const Model& model, double seconds) {
-  Result result;
-  for (const Piece& piece : model.pieces) result.misses.Count(OptimizeTriangleOrder(piece.indices));
-  result.throughput = Throughput(
-      model, seconds, [&](size_t piece) { OptimizeTriangleOrder(model.pieces[piece].indices); });
-  return result;
-}
-
-Result MeasurePeer(const Contender& peer, const Model& model, double seconds) {
-  std::vector<Order32> inputs;
-  for (const Piece& piece : model.pieces)
-    inputs.emplace_back(piece.indices.begin(), piece.indices.end());
-  Order32 out;
-  const auto run = [&](size_t piece) {
-    out.resize(inputs[piece].size());
-    peer.optimize(out, inputs[piece], model.pieces[piece].vertexCount);
+Work OurWork(const Model& model, bool shuffled) {
+  const auto pieces = std::make_shared<const std::vector<Piece>>(IndexPieces(model, shuffled));
+  const auto run = [pieces](size_t piece) {
+    return OptimizeTriangleOrder((*pieces)[piece].indices);
   };
-  Result result;
-  for (size_t piece = 0; piece < inputs.size(); ++piece) {
-    run(piece);
-    result.misses.Count(out);
-  }
-  result.throughput = Throughput(model, seconds, run);
-  return result;
+  return {[=] {
+            for (size_t i = 0; i < pieces->size(); ++i) run(i);
+          },
+          {},
+          MissesPerTriangle(pieces->size(), run)};
 }
 
-void PrintHeader() {
-  std::printf("%-40s %8s %6s | %13s %13s", "misses/triangle at 10 and 16", "tris", "floor", "input",
-              "ours");
-  for (const Contender& peer : kPeers) std::printf(" %13s", peer.name);
-  std::printf(" | Mtri/s ours, peer, ratio\n");
-}
-
-void Measure(const Model& model, double seconds) {
-  const auto triangles = static_cast<double>(model.TriangleCount());
-  const auto print = [&](const Misses& misses) {
-    std::printf(" %.4f %.4f", misses.at10 / triangles, misses.at16 / triangles);
+Work PeerWork(const Peer& peer, const Model& model, bool shuffled) {
+  const auto pieces = std::make_shared<const std::vector<Piece>>(IndexPieces(model, shuffled));
+  const auto inputs = std::make_shared<std::vector<Indices>>();
+  for (const Piece& piece : *pieces)
+    inputs->emplace_back(piece.indices.begin(), piece.indices.end());
+  const auto run = [=, &peer](size_t piece) {
+    Indices out((*inputs)[piece].size());
+    peer.optimize(out, (*inputs)[piece], (*pieces)[piece].vertexCount);
+    return out;
   };
-  std::printf("%-40s %8zu %6.4f |", model.name.c_str(), model.TriangleCount(), model.Floor());
-  Misses input;
-  for (const Piece& piece : model.pieces) input.Count(piece.indices);
-  print(input);
-  const Result ours = MeasureOurs(model, seconds);
-  print(ours.misses);
-  bool won = true;
-  double vertexCacheThroughput = 0;
-  for (const Contender& peer : kPeers) {
-    const Result theirs = MeasurePeer(peer, model, &peer == kPeers ? seconds : 0);
-    print(theirs.misses);
-    won = won && ours.misses.at16 <= theirs.misses.at16 && ours.misses.at10 <= theirs.misses.at10;
-    if (&peer == kPeers) vertexCacheThroughput = theirs.throughput;
-  }
-  std::printf(" | %.2f %.2f %.2f%s\n", ours.throughput, vertexCacheThroughput,
-              ours.throughput / vertexCacheThroughput, won ? "" : "  BEHIND A PEER");
-  std::fflush(stdout);
+  return {[=] {
+            for (size_t i = 0; i < pieces->size(); ++i) run(i);
+          },
+          {},
+          MissesPerTriangle(pieces->size(), run)};
 }
 
-std::vector<Model> AllModels() {
-  const std::string folder = ORV_BENCH_MODELS;
-  std::vector<Model> models;
-  models.push_back(GridModel(71, 71));
-  models.push_back(SphereModel(224, 224));
-  models.push_back(FileModel("duck.dae", folder + "/Collada/duck.dae"));
-  models.push_back(FileModel("2CylinderEngine.glb",
-                             folder + "/glTF2/2CylinderEngine-glTF-Binary/2CylinderEngine.glb"));
-  models.push_back(FileModel("SuzanneSubdiv_252.blend", folder + "/BLEND/SuzanneSubdiv_252.blend"));
-  const size_t inOrder = models.size();
-  for (size_t i = 0; i < inOrder; ++i) models.push_back(Shuffled(models[i]));
-  return models;
+void AddContenders(const std::string& stage, const ModelSource& source, bool shuffled) {
+  Add(stage, kOurs, source, [=](const Model& model) { return OurWork(model, shuffled); });
+  for (const Peer& peer : kPeers) {
+    Add(stage, peer.name, source,
+        [=, &peer](const Model& model) { return PeerWork(peer, model, shuffled); });
+  }
 }
 
 }  // namespace
-}  // namespace orv::bench
 
-int main(int argc, char** argv) {
-  try {
-    const double seconds = argc > 1 ? std::atof(argv[1]) : 0.5;
-    orv::bench::PrintHeader();
-    for (const orv::bench::Model& model : orv::bench::AllModels())
-      orv::bench::Measure(model, seconds);
-  } catch (const std::exception& error) {
-    std::fprintf(stderr, "index_order_bench: %s\n", error.what());
-    return 1;
-  }
-  return 0;
+// A random order comes out of chunk building as chunks that share few vertices; it says more of the
+// optimiser when each chunk is shuffled for itself.
+void AddIndexOrder(const ModelSource& source) {
+  AddContenders("index order", source, false);
+  if (source.name != "random order") AddContenders("index order, chunks shuffled", source, true);
 }
+
+}  // namespace orv::bench
