@@ -263,6 +263,93 @@ TEST(MeshMender, OrthonormalisesWithoutGuards) {
   }
 }
 
+// One triangle or two beside each other, in the plane, with their texture coordinates.
+TEST(MeshMender, FollowsTheTextureByHand) {
+  const Vertex a = Flat(0, 0, 0, 0), b = Flat(1, 0, 1, 0), c = Flat(1, 1, 1, 1);
+  const auto fourth = [](float s, float t) { return Flat(0, 1, s, t); };
+  struct Case {
+    const char* what;
+    std::vector<Vertex> vertices;
+    Indices indices;
+    std::vector<Vec3> tangents;  // of the output vertices
+    Indices newToOld;
+  };
+  const Vec3 x{1, 0, 0}, y{0, 1, 0}, left{-1, 0, 0}, nan{kNan};
+  const Case cases[] = {
+      {"one sheet", {a, b, c, fourth(0, 1)}, {0, 1, 2, 0, 2, 3}, {x, x, x, x}, {0, 1, 2, 3}},
+      {"mirrored across the diagonal: its two vertices are there twice",
+       {a, b, c, fourth(2, 1)},
+       {0, 1, 2, 0, 2, 3},
+       {x, x, x, left, left, left},
+       {0, 1, 2, 3, 0, 2}},
+      {"a seam: own vertices, turned texture, nothing shared",
+       {a, b, c, Flat(0, 0, 0, 0), Flat(1, 1, 1, -1), Flat(0, 1, 1, 0)},
+       {0, 1, 2, 3, 4, 5},
+       {x, x, x, y, y, y},
+       {0, 1, 2, 3, 4, 5}},
+      {"a degenerate texture triangle: its unscaled vectors count",
+       {a, Flat(1, 0, 0, 1), Flat(1, 1, 0, 3)},
+       {0, 1, 2},
+       {Unit({2, -1, 0}), Unit({2, -1, 0}), Unit({2, -1, 0})},
+       {0, 1, 2}},
+      {"no texture at all",
+       {a, Flat(1, 0, 0, 0), Flat(1, 1, 0, 0)},
+       {0, 1, 2},
+       {nan, nan, nan},
+       {0, 1, 2}},
+      {"not a number", {a, b, Flat(1, 1, 1, kNan)}, {0, 1, 2}, {nan, nan, nan}, {0, 1, 2}},
+  };
+  for (const Case& test : cases) {
+    const Mesh mended = Mended({test.vertices, test.indices});
+    EXPECT_EQ(mended.newToOld, test.newToOld) << test.what;
+    ASSERT_EQ(mended.vertices.size(), test.tangents.size()) << test.what;
+    for (size_t i = 0; i < test.tangents.size(); ++i) {
+      ExpectNear(mended.vertices[i].tangent, test.tangents[i],
+                 std::string(test.what) + ", vertex " + std::to_string(i));
+    }
+  }
+}
+
+// A globe of one sheet, each pole a vertex for each of its triangles: tangents run east, there
+// across the triangle. The columns at the seam see one side only.
+TEST(MeshMender, SphereHasItsAnalyticTangents) {
+  constexpr uint32_t kRings = 64, kSegments = 128;
+  const auto turnOf = [](double segment) { return 2 * std::numbers::pi * segment / kSegments; };
+  Mesh mesh;
+  for (uint32_t ring = 0; ring <= kRings; ++ring) {
+    for (uint32_t segment = 0; segment <= kSegments; ++segment) {
+      const double height = std::numbers::pi * ring / kRings, turn = turnOf(segment);
+      const double radius = ring % kRings == 0 ? 0 : std::sin(height);
+      const Vec3 point{static_cast<float>(radius * std::cos(turn)),
+                       static_cast<float>(radius * std::sin(turn)),
+                       static_cast<float>(std::cos(height))};
+      mesh.vertices.push_back({point,
+                               4 * static_cast<float>(segment) / kSegments,
+                               4 * static_cast<float>(ring) / kRings,
+                               point,
+                               {},
+                               {}});
+      if (ring == kRings || segment == kSegments) continue;
+      const uint32_t v = ring * (kSegments + 1) + segment, below = v + kSegments + 1;
+      if (ring + 1 < kRings) mesh.indices.insert(mesh.indices.end(), {v, below, below + 1});
+      if (ring > 0) mesh.indices.insert(mesh.indices.end(), {v, below + 1, v + 1});
+    }
+  }
+  const Mesh mended = Mended(mesh);
+  EXPECT_EQ(mended.vertices.size(), mesh.vertices.size());
+  for (uint32_t ring = 0; ring < kRings; ++ring) {
+    // The circles round a pole are coarse, and the triangles at a vertex lie to one side.
+    const float tolerance =
+        0.015f / static_cast<float>(std::max(1u, std::min(ring, kRings - ring)));
+    for (uint32_t segment = 1; segment < kSegments; ++segment) {
+      const double turn = turnOf(ring == 0 ? segment + 0.5 : segment);
+      const Vec3 east{static_cast<float>(-std::sin(turn)), static_cast<float>(std::cos(turn)), 0};
+      ExpectNear(mended.vertices[ring * (kSegments + 1) + segment].tangent, east,
+                 "ring " + std::to_string(ring), tolerance);
+    }
+  }
+}
+
 // Ends in good time, and without running out of stack.
 TEST(MeshMender, ManyTrianglesRoundOneVertex) {
   constexpr uint32_t kCount = 100000;
