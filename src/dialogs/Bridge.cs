@@ -52,6 +52,7 @@ struct DialogTable {
   public TextProcedure ShowAbout;
   public TextFunction PickEventFile;
   public TextProcedure FreeAnsiString;
+  public Procedure ReleaseResources;
 }
 
 public static class Bridge {
@@ -80,6 +81,7 @@ public static class Bridge {
     s_table.PickEventFile =
         () => Guard(IntPtr.Zero, () => MCUtil.StringToAnsi(Windows.PickEventFile()));
     s_table.FreeAnsiString = MCUtil.FreeAnsiString;
+    s_table.ReleaseResources = () => Guard(ReleaseResources);
     Marshal.StructureToPtr(s_table, address, false);
     return Ready;
   }
@@ -107,6 +109,15 @@ public static class Bridge {
     if (!Windows.ShowOptions(owner, ref options)) return 0;
     Marshal.StructureToPtr(options, address, false);
     return 1;
+  }
+
+  // The windows of one export are garbage at its end, and large enough not to wait for the next
+  // time the collector looks.
+  static void ReleaseResources() {
+    LogWindow.Close();
+    GC.Collect();
+    GC.WaitForPendingFinalizers();
+    GC.Collect();
   }
 
   static void Report(Exception exception) {

@@ -5,6 +5,8 @@ namespace Orv.Dialogs {
 
 // The About box, for systems that have no dialog resources.
 public sealed class DialogAbout : Form {
+  static readonly Font s_font = new Font("MS Sans Serif", Look.FontSize);
+
   readonly Label m_name = new Label { Text = "Orv Exporter", AutoSize = true };
   readonly Label m_copyright = new Label { AutoSize = true, UseMnemonic = false };
   readonly Button m_buttonOk = new Button { Text = "OK", DialogResult = DialogResult.OK };
@@ -14,7 +16,7 @@ public sealed class DialogAbout : Form {
     Look.Prepare(this, "Dialog");
     Name = "DialogAbout";
     FormBorderStyle = FormBorderStyle.FixedDialog;
-    Font = new Font("MS Sans Serif", Look.FontSize);
+    Font = s_font;
     AcceptButton = m_buttonOk;
     CancelButton = m_buttonOk;
     m_copyright.Text = copyright;

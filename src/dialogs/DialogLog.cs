@@ -17,6 +17,7 @@ public sealed class DialogLog : Form {
   readonly Button m_buttonCopy = new Button { Text = "&Copy to Clipboard" };
   readonly Button m_buttonClose = new Button { Text = "Close" };
   readonly TableLayoutPanel m_window = Look.Table(100);
+  Font m_errorFont;
 
   public DialogLog() {
     Look.Prepare(this, "Velmor Exporter Log");
@@ -41,7 +42,7 @@ public sealed class DialogLog : Form {
     int start = m_textBox.SelectionStart, length = m_textBox.SelectionLength;
     m_textBox.Select(m_textBox.TextLength, 0);
     m_textBox.SelectionColor = s_colors[severity];
-    m_textBox.SelectionFont = new Font(Font, severity == 2 ? FontStyle.Bold : FontStyle.Regular);
+    m_textBox.SelectionFont = severity == 2 ? m_errorFont : Font;
     m_textBox.SelectedText = text + "\n";
     if (length > 0) {
       m_textBox.Select(start, length);
@@ -49,6 +50,17 @@ public sealed class DialogLog : Form {
       m_textBox.Select(m_textBox.TextLength, 0);
       m_textBox.ScrollToCaret();
     }
+  }
+
+  protected override void OnFontChanged(EventArgs e) {
+    base.OnFontChanged(e);
+    if (m_errorFont != null) m_errorFont.Dispose();
+    m_errorFont = new Font(Font, FontStyle.Bold);
+  }
+
+  protected override void Dispose(bool disposing) {
+    base.Dispose(disposing);
+    if (disposing) m_errorFont.Dispose();
   }
 
   // However the window goes: by its button, with the window of its owner, at the end of the host.

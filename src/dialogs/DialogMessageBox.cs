@@ -71,6 +71,11 @@ public sealed class DialogMessageBox : Form {
     }
   }
 
+  protected override void Dispose(bool disposing) {
+    base.Dispose(disposing);
+    if (disposing) m_icon.Image.Dispose();
+  }
+
   // A long line is broken, at the latest where the screen would end.
   void Arrange() {
     int gap = Look.Gap(this);

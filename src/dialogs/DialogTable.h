@@ -43,6 +43,7 @@ struct DialogTable {
   void (*showAbout)(const char* copyright) = nullptr;
   char* (*pickEventFile)() = nullptr;  // null: cancelled
   void (*freeAnsiString)(char*) = nullptr;
+  void (*releaseResources)() = nullptr;  // at the end of an export
 };
 
 // What Start answers.

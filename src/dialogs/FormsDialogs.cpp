@@ -93,7 +93,7 @@ bool FormsDialogs::StartOrTell() {
 bool FormsDialogs::Prepare() { return Start().empty(); }
 
 void FormsDialogs::Release() {
-  CloseLog();
+  if (m_started) m_table.releaseResources();
   m_logState = LogState::NotOpened;
   m_earlyLines.clear();
 }

@@ -7,8 +7,9 @@ namespace Orv.Dialogs {
 // What the windows have in common. All distances follow the font, so that a larger one leaves the
 // proportions as they are.
 static class Look {
-  public const string FontName = "Microsoft Sans Serif";
   public const float FontSize = 8.25f;  // points
+
+  static readonly Font s_font = new Font("Microsoft Sans Serif", FontSize);
 
   // Half a line of text: the distance between neighbours. Twice that is the edge of a window.
   public static int Gap(Control control) {
@@ -16,7 +17,7 @@ static class Look {
   }
 
   public static void Prepare(Form form, string title) {
-    form.Font = new Font(FontName, FontSize);
+    form.Font = s_font;
     form.Text = title;
     form.AutoScaleMode = AutoScaleMode.None;
     form.ShowIcon = false;

@@ -17,6 +17,7 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "TemporaryFolder.h"
@@ -123,12 +124,23 @@ class Desktop {
     return IsGone(id);
   }
 
-  // With the pointer, in the middle of the control.
+  // With the pointer, in the middle of the control, once that has come to its place.
   void Click(const std::string& caption) {
-    std::string id;
-    Demand("a control " + caption, [&] { return !(id = Find(caption)).empty(); });
+    std::string id, before, now;
+    Demand("a control " + caption, [&] {
+      id = Find(caption);
+      now = id.empty() ? "" : Run("xwininfo -id " + id + " | grep -E 'Absolute|Width|Height'");
+      return !now.empty() && std::exchange(before, now) == now;
+    });
     Run("eval $(xdotool getwindowgeometry --shell " + id +
         "); xdotool mousemove --window $WINDOW $((WIDTH/2)) $((HEIGHT/2)) click 1");
+  }
+  // A button that closes its window.
+  void ClickAway(const std::string& caption, const std::string& id) {
+    Demand("the end of window " + id, [&] {
+      Click(caption);
+      return IsGoneSoon(id);
+    });
   }
   // On the window manager's button, which stands at the right end of the title above the window.
   void ClickClose(const std::string& id) {
@@ -139,6 +151,12 @@ class Desktop {
   void Type(const std::string& text) { Run("xdotool type '" + text + "'"); }
 
   std::string Clipboard() { return Run("timeout 10 xclip -selection clipboard -o"); }
+
+  std::string Titles() {
+    return Run(
+        "xdotool search --onlyvisible --name . | while read w; do "
+        "xdotool getwindowname $w; done | tr '\\n' ';'");
+  }
 
   // Its output without the last line end.
   std::string Run(const std::string& command) {
@@ -155,10 +173,11 @@ class Desktop {
   Desktop() {
     int ends[2];
     if (pipe(ends) != 0) throw std::runtime_error("no pipe");
-    m_server.emplace(m_folder.File(""), "xvfb",
-                     std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(ends[1]),
-                                              "-screen", "0", "1024x768x24", "-nolisten", "tcp"},
-                     std::map<std::string, std::string>{}, ends[1]);
+    m_server.emplace(
+        m_folder.File(""), "xvfb",
+        std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0",
+                                 "1024x768x24", "-noreset", "-nolisten", "tcp"},
+        std::map<std::string, std::string>{}, ends[1]);
     close(ends[1]);
     std::string number;
     for (char c; read(ends[0], &c, 1) == 1 && c != '\n';) number += c;

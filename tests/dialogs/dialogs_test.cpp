@@ -4,6 +4,9 @@
 
 #include <sys/stat.h>
 
+#include <iostream>
+#include <memory>
+
 #include "Desktop.h"
 
 namespace orv {
@@ -23,6 +26,11 @@ class Dialogs : public testing::Test {
  protected:
   Dialogs() {
     for (const char* name : {"settings", "home", "plain", "tmp"}) fs::create_directory(Path(name));
+  }
+
+  ~Dialogs() override {
+    if (!HasFailure()) return;
+    std::cout << "windows: " << m_desktop.Titles() << "\nlog:\n" << Content("orv.err");
   }
 
   std::string Path(const std::string& name) const { return m_folder.File(name); }
@@ -61,11 +69,7 @@ class Dialogs : public testing::Test {
   bool Kept(const std::string& element, const std::string& value) {
     return Content(kOptionsFile).find("<" + element + ">" + value + "</") != std::string::npos;
   }
-  void CloseLog() {
-    const std::string log = m_desktop.Window(kLog);
-    m_desktop.Click("Close");
-    m_desktop.WaitUntilGone(log);
-  }
+  void CloseLog() { m_desktop.ClickAway("Close", m_desktop.Window(kLog)); }
 
   TemporaryFolder m_folder;
   Desktop& m_desktop = Desktop::Get();
@@ -208,9 +212,7 @@ TEST_F(Dialogs, QuestionAnswersAreThoseOfItsButtons) {
     m_desktop.Window(kOptions);
     m_desktop.Click("&Start");
     for (const std::string& button : test.buttons) {
-      const std::string question = m_desktop.Window(kQuestion);
-      m_desktop.Click(button);
-      m_desktop.WaitUntilGone(question);
+      m_desktop.ClickAway(button, m_desktop.Window(kQuestion));
     }
     CloseLog();
     EXPECT_EQ(orv->Status(), 0) << orv->Errors();
@@ -339,7 +341,8 @@ TEST_F(Dialogs, HundredsOfExportsInOneProcessTakeNoMore) {
       if (m_desktop.IsShown(title)) m_desktop.Key("Return");
     if (std::chrono::steady_clock::now() - slow > std::chrono::seconds(300)) break;
   }
-  EXPECT_EQ(host->Status(), 0) << host->Output() << host->Errors();
+  EXPECT_EQ(host->Status(), 0) << host->Errors();
+  std::cout << host->Output();
 }
 
 }  // namespace
