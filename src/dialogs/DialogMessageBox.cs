@@ -14,6 +14,7 @@ public enum ButtonResult { None, Yes, YesToAll, No, NoToAll, Cancel }
 // A question with answers for all cases to come.
 public sealed class DialogMessageBox : Form {
   readonly PictureBox m_icon = new PictureBox { SizeMode = PictureBoxSizeMode.AutoSize };
+  readonly Bitmap m_picture;
   readonly Label m_label = new Label { AutoSize = true, UseMnemonic = false };
   readonly Button m_buttonYes = new Button { Text = "&Yes" };
   readonly Button m_buttonYesAll = new Button { Text = "Yes to &All" };
@@ -31,7 +32,7 @@ public sealed class DialogMessageBox : Form {
     Look.Prepare(this, "MessageBox");
     Name = "DialogMessageBox";
     FormBorderStyle = FormBorderStyle.FixedDialog;
-    m_icon.Image = PictureOf(icon).ToBitmap();
+    m_icon.Image = m_picture = PictureOf(icon).ToBitmap();
     m_label.Text = text.TrimEnd();
     m_buttons = ButtonsOf(buttons);
     flowLayoutPanel1 = Look.ButtonRow(m_buttons);
@@ -72,8 +73,8 @@ public sealed class DialogMessageBox : Form {
   }
 
   protected override void Dispose(bool disposing) {
+    if (disposing) m_picture.Dispose();
     base.Dispose(disposing);
-    if (disposing) m_icon.Image.Dispose();
   }
 
   // A long line is broken, at the latest where the screen would end.

@@ -129,6 +129,19 @@ TEST_F(ExportDriver, OptionsAreKeptFromRunToRun) {
   EXPECT_FALSE(kept);
 }
 
+// A window that waits for its user hands on the host's messages, and one of these may ask for it.
+TEST_F(ExportDriver, NoSecondExportBeginsDuringAnother) {
+  AddTriangle("part");
+  const auto askAgain = [&] {
+    EXPECT_EQ(m_plugin.exporter->DoExport("second.im", nullptr, nullptr), 1);
+  };
+  SetOptions([&](Options&) { askAgain(); });
+  m_plugin.dialogs.onWait = askAgain;
+  Export();
+  EXPECT_EQ(m_plugin.dialogs.calls, (std::vector<std::string>{"options", "open", "wait"}));
+  EXPECT_TRUE(Exists("out.im"));
+}
+
 TEST_F(ExportDriver, FailedGeometryEndsTheExport) {
   AddTriangle("part");
   AddTriangle("b.root");
