@@ -115,6 +115,7 @@ TEST(IndexedMeshWriter, MeshWithoutVerticesHasTheStartValuesAsItsBox) {
 TEST(IndexedMeshWriter, Statistics) {
   ExIndexedMesh mesh = SkinnedMesh();
   AddInfluence(*mesh.influences[0], "b.twice", {{1, 0.5f, {}}, {1, 0.5f, {}}});
+  AddInfluence(*mesh.influences[0], "b.idle", {{1, 0, {}}});
   const IndexedMeshFile file = ReadBack(mesh);
   EXPECT_EQ(file.maxInfluencesPerVertex, 3u);  // hip, knee and twice on vertex 1
   EXPECT_EQ(file.maxBonesPerChunk, 3u);        // not the toe

@@ -21,6 +21,8 @@ TEST(ContentChecks, EachMistakeIsFoundInItsPlace) {
            "QIRF/CHNK 0/MATL material-type-unknown"},
           {[](auto& f) { ChunkOf(f).material.name = "skinm.onetex"; },
            "QIRF/CHNK 0/MATL material-type-chosen"},
+          {[](auto& f) { ChunkOf(f).material.name = "m.onetex"; },
+           "QIRF/CHNK 0/MATL material-type-chosen"},
           {[](auto& f) { ChunkOf(f).material.name = "item. m.onetex"; }, ""},
           {[](auto& f) { ChunkOf(f).material.name = "skin m.gloss"; },
            "QIRF/CHNK 0/MATL map-missing"},
