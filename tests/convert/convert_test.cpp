@@ -126,6 +126,11 @@ TEST(Convert, WhatIsForbiddenIsMended) {
          BonesOf(file)[0]->m_weights.push_back({1, kNaN, {}});
        },
        "chunk 0: 1 weights below 0 or not finite left out"},
+      {[](auto& file) {
+         BonesOf(file)[1]->m_weights[1].weight = 0.5f;
+         BonesOf(file)[1]->m_weights.push_back({1, 0.25f, {-1, -1, -3}});
+       },
+       "chunk 0: 1 vertices follow a bone twice, weights added up"},
       {[](auto& file) { BonesOf(file)[0]->m_weights[0].weight = 0.5f; },
        "chunk 0: 1 vertices with weights that do not sum to 1, scaled"},
       {[](auto& file) { BonesOf(file)[1]->m_weights.erase(BonesOf(file)[1]->m_weights.begin()); },
