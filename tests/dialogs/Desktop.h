@@ -24,7 +24,7 @@
 
 namespace orv {
 
-constexpr std::chrono::seconds kPatience(30);  // for what takes a second on an idle machine
+constexpr std::chrono::seconds kPatience(60);  // for what takes a second on an idle machine
 
 // False when it has not come true in time.
 inline bool WaitUntil(const std::function<bool()>& condition) {
