@@ -128,5 +128,18 @@ TEST(MeshAssembler, PositionsWithOtherWeightsStayApart) {
   EXPECT_EQ(assembler.Finish().mesh.getNumVerts(), 2);
 }
 
+TEST(MeshAssembler, PartsWithoutTexCoordsShareTheOrigin) {
+  const UVVert first(1, 2, 0), third(3, 4, 0);
+  MeshAssembler assembler(9, 3);
+  for (const UVVert* texCoord : {&first, static_cast<const UVVert*>(nullptr), &third}) {
+    assembler.BeginPart(0);
+    for (int i = 0; i < 3; ++i) assembler.AddVertex({Point3(), nullptr, texCoord});
+    assembler.AddTriangle(0, 1, 2);
+  }
+  const Mesh mesh = assembler.Finish().mesh;
+  EXPECT_EQ(mesh.tVerts[mesh.tvFace[1].t[0]], UVVert(0, 0, 0));
+  EXPECT_EQ(mesh.tVerts[mesh.tvFace[2].t[0]], third);
+}
+
 }  // namespace
 }  // namespace orv::host
