@@ -57,6 +57,13 @@ TEST_F(GeometryExport, MeshesThatCannotBeUsedAreReportedAndLeftOut) {
   EXPECT_EQ(Positions(file.mesh.chunks[0]), TriangleAt(0));
 }
 
+TEST_F(GeometryExport, EqualMaterialsOfOneMeshShareAChunk) {
+  Mtl& both = scene.AddMultiMaterial("both", {&plain, &scene.AddMaterial("plain.m.notex")});
+  const Mesh twoSides = MeshOf({{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {{0, 1, 2}, {0, 2, 1, 1, 1}});
+  scene.AddMeshNode("a", twoSides, &both);
+  EXPECT_EQ(ExportGeometry().chunks.size(), 1u);
+}
+
 TEST_F(GeometryExport, PointHelpersBecomeAttachments) {
   scene.info.metresPerUnit = 0.5;
   AddMesh("a");

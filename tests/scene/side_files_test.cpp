@@ -30,6 +30,7 @@ TEST(MaterialName, SuffixFollowsTheMaps) {
       {{Map(kDiffuse, "w-a.texture"), reflection}, "woodm.gloss", "woodm.gloss"},
       {{Map(kDiffuse, "a-b/w.texture"), reflection}, "woodm.gloss", "woodm.gloss"},
       {{Map(kDiffuse, "w.texture"), reflection}, "woodm.reflect", "woodm.reflect"},
+      {{Map(kDiffuse, "w-a.tga"), reflection}, "woodm.reflect", "woodm.reflect"},
       {{Map(kBump, "w-a.texture"), reflection}, "woodm.reflect", "woodm.reflect"},
       {{Map(kDiffuse, "tb_leaf.tga")}, "woodm.tribillboard", "woodm.onetex"},
       {{Map(kDiffuse, "sb_leaf.tga")}, "woodm.billboard", "woodm.onetex"},
