@@ -59,6 +59,7 @@ public static class Bridge {
   const int Ready = 0, NoDisplay = 1, OtherVersion = 2;
 
   static DialogTable s_table;  // keeps its delegates alive for native code
+  static bool s_isReporting;
 
   // Fills the table at the address, a decimal number, and says whether windows can be shown.
   public static int Start(string tableAddress) {
@@ -120,12 +121,19 @@ public static class Bridge {
     GC.Collect();
   }
 
+  // Native code puts it into the log. What happens on the way there has no log to go to.
   static void Report(Exception exception) {
     if (s_table.ReportException == null) throw exception;
-    exception = exception.GetBaseException();
-    IntPtr text = MCUtil.StringToAnsi(exception.GetType() + ": " + exception.Message);
-    s_table.ReportException(text);
-    MCUtil.FreeAnsiString(text);
+    if (s_isReporting) return;
+    s_isReporting = true;
+    try {
+      exception = exception.GetBaseException();
+      IntPtr text = MCUtil.StringToAnsi(exception.GetType() + ": " + exception.Message);
+      s_table.ReportException(text);
+      MCUtil.FreeAnsiString(text);
+    } finally {
+      s_isReporting = false;
+    }
   }
 
   // Without an X server the toolkit throws the first time it is asked for anything.

@@ -20,6 +20,7 @@ const char kQuestion[] = "Exporter Query";
 const char kScene[] = ORV_EXAMPLES "/railcar/railcar.gltf";  // frames 0 to 120
 // The scene names some textures twice, and their side files are there the second time.
 const std::string kNoQuestions = "<m_askTxtOverwrite>false</m_askTxtOverwrite>";
+const char kThrown[] = "error: System.InvalidOperationException: thrown on purpose";
 const char kOptionsFile[] = "settings/Tamsk/VelmorOrvExporter/OrvExporter.xml";
 
 class Dialogs : public testing::Test {
@@ -51,11 +52,13 @@ class Dialogs : public testing::Test {
     arguments.insert(arguments.begin(), program);
     return std::make_unique<Program>(Path(folder), name, arguments, environment);
   }
-  std::unique_ptr<Program> StartExport(const std::vector<std::string>& more = {}) {
+  std::unique_ptr<Program> StartExport(const std::vector<std::string>& more = {},
+                                       const std::string& program = ORV_PROGRAM,
+                                       const std::map<std::string, std::string>& environment = {}) {
     std::vector<std::string> arguments = {"export",     kScene,     "-o",       "out.im",
                                           "--settings", "settings", "--dialogs"};
     arguments.insert(arguments.end(), more.begin(), more.end());
-    return Start("orv", arguments);
+    return Start("orv", arguments, environment, program);
   }
   // The same without windows, into the folder "plain".
   void ExportPlainly(std::vector<std::string> more) {
@@ -297,9 +300,7 @@ class OtherWindows : public Dialogs {
   // Cancelled, nothing written, and said why.
   void ExpectNoExport(const std::string& reason, const std::string& program,
                       const std::map<std::string, std::string>& environment = {}) {
-    const auto orv =
-        Start("orv", {"export", kScene, "-o", "out.im", "--settings", "settings", "--dialogs"},
-              environment, program);
+    const auto orv = StartExport({}, program, environment);
     EXPECT_EQ(orv->Status(), 3);
     const std::string said = orv->Errors();
     EXPECT_NE(said.find(reason), std::string::npos) << said;
@@ -320,8 +321,21 @@ TEST_F(OtherWindows, MissingOnesCancelTheExport) {
 }
 
 TEST_F(OtherWindows, ManagedExceptionsBecomeLoggedErrors) {
-  fs::copy_file(ORV_THROWING_DIALOGS, Path("bin/OrvExporterDialogs.dll"));
-  ExpectNoExport("error: System.InvalidOperationException: thrown on purpose", Path("bin/orv"));
+  fs::copy_file(ORV_THROWING_DIALOGS "/ThrowingOptions.dll", Path("bin/OrvExporterDialogs.dll"));
+  ExpectNoExport(kThrown, Path("bin/orv"));
+}
+
+// The report of an exception is a line of the log, which throws again.
+TEST_F(OtherWindows, AFailingLogDoesNotStopTheExport) {
+  fs::copy_file(ORV_THROWING_DIALOGS "/ThrowingLog.dll", Path("bin/OrvExporterDialogs.dll"));
+  WriteOptions(kNoQuestions);
+  const auto orv = StartExport({}, Path("bin/orv"));
+  m_desktop.Window(kOptions);
+  m_desktop.Key("Return");
+  m_desktop.ClickClose(m_desktop.Window(kLog));
+  EXPECT_EQ(orv->Status(), 1) << orv->Errors();
+  EXPECT_NE(orv->Errors().find(kThrown), std::string::npos) << orv->Errors();
+  EXPECT_TRUE(Exists("out.im") && Exists("out.kin"));
 }
 
 TEST_F(Dialogs, LayoutIsSoundAlsoWithALargerFont) {
