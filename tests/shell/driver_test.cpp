@@ -6,6 +6,9 @@
 #include "Plugin.h"
 #include "TemporaryFolder.h"
 #include "readers/SceneBuilders.h"
+#ifdef _WIN32
+#include "windows/ModalWindows.h"
+#endif
 
 namespace orv {
 namespace {
@@ -47,6 +50,11 @@ class ExportDriver : public testing::Test {
   host::Scene m_scene;
   host::MemoryMaterial* m_material;
   Plugin m_plugin;
+#ifdef _WIN32
+  // Elsewhere these boxes are lines on standard error.
+  ModalWindows m_refusals{"Velmor Exporter", [](HWND box) { Click(box, IDOK); }};
+  ModalWindows m_exceptions{"Exception", [](HWND box) { Click(box, IDOK); }};
+#endif
 };
 
 TEST_F(ExportDriver, CancelLeavesNothingBehind) {
