@@ -73,9 +73,7 @@ Code CodeOf(ReadFault fault) {
 
 // What ended the reading. The rest of the file is not checked: it can follow from this.
 Finding FindingOf(const ReadProblem& problem) {
-  return {CodeOf(problem.fault),
-          {problem.path},
-          problem.text + " (at byte " + std::to_string(problem.offset) + ")"};
+  return {CodeOf(problem.fault), {problem.path}, problem.TextWithOffset()};
 }
 
 // True for a file that cannot be opened, or is none of ours.

@@ -127,7 +127,7 @@ void CheckRemarks(const std::vector<ReadProblem>& remarks, Findings& findings) {
     Code code = Code::BytesLeftOver;
     if (remark.fault == ReadFault::Version) code = Code::UnknownPart;
     if (remark.fault == ReadFault::Count) code = Code::MapCount;
-    findings.push_back({code, {remark.path}, remark.text});
+    findings.push_back({code, {remark.path}, remark.TextWithOffset()});
   }
 }
 

@@ -39,7 +39,11 @@ std::string Printable(std::string_view tag) {
 
 std::string ReadProblem::Message() const {
   if (fault == ReadFault::File) return text;
-  return (path.empty() ? "" : path + ": ") + text + " (at byte " + std::to_string(offset) + ")";
+  return (path.empty() ? "" : path + ": ") + TextWithOffset();
+}
+
+std::string ReadProblem::TextWithOffset() const {
+  return text + " (at byte " + std::to_string(offset) + ")";
 }
 
 FileKind KindOf(std::string_view bytes) {

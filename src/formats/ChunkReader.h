@@ -31,6 +31,7 @@ struct ReadProblem {
   std::string text;
 
   std::string Message() const;
+  std::string TextWithOffset() const;  // the message without the path
 };
 
 enum class FileKind { Unknown, IndexedMesh, Animation };

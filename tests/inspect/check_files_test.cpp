@@ -55,12 +55,14 @@ TEST(CheckFiles, MeshIsHeldAgainstItsAnimations) {
 TEST(CheckFiles, ReportNamesTheFileAndSumsUp) {
   TemporaryFolder folder;
   const std::string name = folder.File("a.im");
-  WriteContent(name, SkinBytes() + "more");
+  const std::string good = SkinBytes();
+  WriteContent(name, good + "more");
   std::ostringstream out;
   PrintChecked(out, CheckFiles(std::vector{name})[0]);
-  const auto line = [&](const char* text) { return name + ": " + text + "\n"; };
+  const auto line = [&](const std::string& text) { return name + ": " + text + "\n"; };
   EXPECT_EQ(out.str(),
-            line("error: 4 bytes follow the last chunk [bytes-left-over]") +
+            line("error: 4 bytes follow the last chunk (at byte " + std::to_string(good.size()) +
+                 ") [bytes-left-over]") +
                 line("note: QIRF/CHNK 0/MATL (skin m.onetex): the type onetex shows a diffuse map, "
                      "but the material has none [map-missing]") +
                 line("note: QIRF/CHNK 1/MATL (hide m.onetex.tbump): the type onetex shows a "
