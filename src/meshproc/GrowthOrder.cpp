@@ -10,15 +10,21 @@ namespace {
 // Comparing every pair is the faster way up to about this many triangles.
 constexpr size_t kMaxCompared = 24;
 
-uint32_t IsOneOf(uint64_t edge, const std::array<uint64_t, 3>& edges) {
-  return uint32_t{edge == edges[0]} | uint32_t{edge == edges[1]} | uint32_t{edge == edges[2]};
+// 0 or 1, without a branch. Neither triangle has two corners at the tips' point, so that a tip is
+// no end of the other.
+uint32_t SharesEdge(const GrowthOrder::Item& a, const GrowthOrder::Item& b) {
+  const uint32_t e00 = a.ends[0] == b.ends[0], e01 = a.ends[0] == b.ends[1];
+  const uint32_t e10 = a.ends[1] == b.ends[0], e11 = a.ends[1] == b.ends[1];
+  const uint32_t oneEnd = e00 | e01 | e10 | e11, bothEnds = (e00 & e11) | (e01 & e10);
+  return (oneEnd & uint32_t{a.tip == b.tip}) | bothEnds;
 }
 
-// 0 or 1, without a branch.
-uint32_t SharesEdge(const GrowthOrder::Item& a, const GrowthOrder::Item& b) {
-  return (IsOneOf(a.edges[0], b.edges) | IsOneOf(a.edges[1], b.edges) |
-          IsOneOf(a.edges[2], b.edges)) &
-         uint32_t{a.triangle != b.triangle};
+uint64_t EdgeKey(uint32_t end0, uint32_t end1) {
+  return uint64_t{std::max(end0, end1)} << 32 | std::min(end0, end1);
+}
+
+bool AreOfOneTriangle(const GrowthOrder::Item& a, const GrowthOrder::Item& b) {
+  return a.triangle == b.triangle;
 }
 
 // Keeps the two lowest places of all that are offered, in any order.
@@ -41,7 +47,9 @@ void GrowthOrder::Build(std::span<const Item> items) {
 
 void GrowthOrder::FindNeighbours(std::span<const Item> items) {
   m_neighbours.assign(items.size(), {kNone, kNone});
-  if (items.size() <= kMaxCompared) {
+  const bool twice =
+      std::adjacent_find(items.begin(), items.end(), AreOfOneTriangle) != items.end();
+  if (items.size() <= kMaxCompared && !twice) {
     CompareAll(items);
   } else {
     SortEdges(items);
@@ -68,8 +76,12 @@ void GrowthOrder::CompareAll(std::span<const Item> items) {
 
 void GrowthOrder::SortEdges(std::span<const Item> items) {
   m_uses.clear();
-  for (uint32_t place = 0; place < items.size(); ++place)
-    for (const uint64_t edge : items[place].edges) m_uses.push_back({edge, place});
+  for (uint32_t place = 0; place < items.size(); ++place) {
+    const auto [tip, ends, triangle, corner] = items[place];
+    m_uses.push_back({EdgeKey(tip, ends[0]), place});
+    m_uses.push_back({EdgeKey(tip, ends[1]), place});
+    m_uses.push_back({EdgeKey(ends[0], ends[1]), place});
+  }
   std::sort(m_uses.begin(), m_uses.end());
   m_uses.erase(std::unique(m_uses.begin(), m_uses.end()), m_uses.end());
 

@@ -14,10 +14,13 @@ namespace orv {
 // Made to be built for many lists, one after the other, without allocating anew.
 class GrowthOrder {
  public:
+  // A triangle's corner at the point that a list is about, and its other two; edges are equal when
+  // both their ends are.
   struct Item {
-    std::array<uint64_t, 3> edges{};  // of the triangle; equal for equal edges
-    uint32_t triangle = 0;            // up to three items, side by side, can be of one triangle
-    uint32_t corner = 0;              // for the caller's use
+    uint32_t tip = 0;
+    std::array<uint32_t, 2> ends{};
+    uint32_t triangle = 0;  // up to three items, side by side, can be of one triangle
+    uint32_t corner = 0;    // for the caller's use
   };
 
   struct Step {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cassert>
 #include <cmath>
 #include <numeric>
@@ -134,26 +135,33 @@ class PositionMap {
   std::vector<uint32_t> m_corners;
 };
 
+// Compares as the number does; 0 and -0 are the same.
+uint32_t OrderedBits(float number) {
+  const uint32_t bits = std::bit_cast<uint32_t>(number + 0.0f);
+  return bits & 0x80000000 ? ~bits : bits | 0x80000000;
+}
+
 void PositionMap::NumberPositions(std::span<const Vertex> vertices) {
   struct Placed {
-    Vec3 position;
+    uint64_t xy;
+    uint32_t z;
     uint32_t vertex;
+    bool operator<(const Placed& other) const {
+      return xy != other.xy ? xy < other.xy : z < other.z;
+    }
   };
   std::vector<Placed> order;
   order.reserve(vertices.size());
   for (uint32_t i = 0; i < vertices.size(); ++i) {
     const Vec3 p = vertices[i].position;
-    if (p == p) order.push_back({p, i});
+    if (p != p) continue;
+    order.push_back({uint64_t{OrderedBits(p.x)} << 32 | OrderedBits(p.y), OrderedBits(p.z), i});
   }
-  std::sort(order.begin(), order.end(), [](const Placed& a, const Placed& b) {
-    if (a.position.x != b.position.x) return a.position.x < b.position.x;
-    if (a.position.y != b.position.y) return a.position.y < b.position.y;
-    return a.position.z < b.position.z;
-  });
+  std::sort(order.begin(), order.end());
 
   m_positionOf.assign(vertices.size(), kNowhere);
   for (size_t i = 0; i < order.size(); ++i) {
-    if (i == 0 || order[i].position != order[i - 1].position) ++m_count;
+    if (i == 0 || order[i - 1] < order[i]) ++m_count;
     m_positionOf[order[i].vertex] = m_count - 1;
   }
 }
@@ -208,7 +216,7 @@ class Smoother {
 
   void SmoothAt(std::span<const uint32_t> corners, std::span<const Pass> passes);
   void OrderGrowth(std::span<const uint32_t> corners);
-  uint64_t EdgeKey(uint32_t vertex0, uint32_t vertex1, uint64_t unequal) const;
+  uint32_t NumberOf(uint32_t vertex, uint32_t unequal) const;
   void BuildGroups(const Pass& pass);
   uint32_t GroupToJoin(const GrowthOrder::Step& step, const Pass& pass) const;
   void SortStepsByGroup();
@@ -248,28 +256,25 @@ void Smoother::SmoothAt(std::span<const uint32_t> corners, std::span<const Pass>
 
 void Smoother::OrderGrowth(std::span<const uint32_t> corners) {
   m_items.resize(corners.size());
-  for (size_t i = 0; i < corners.size(); ++i) {
-    const uint32_t triangle = corners[i] / 3;
-    const uint32_t a = m_indices[3 * triangle], b = m_indices[3 * triangle + 1],
-                   c = m_indices[3 * triangle + 2];
-    m_items[i] = {{EdgeKey(a, b, 3 * i), EdgeKey(b, c, 3 * i + 1), EdgeKey(c, a, 3 * i + 2)},
+  for (uint32_t i = 0; i < corners.size(); ++i) {
+    const uint32_t corner = corners[i], triangle = corner / 3, place = corner % 3;
+    const uint32_t* const indices = &m_indices[3 * triangle];
+    const uint32_t next = indices[place == 2 ? 0 : place + 1];
+    const uint32_t previous = indices[place == 0 ? 2 : place - 1];
+    m_items[i] = {NumberOf(indices[place], 3 * i),
+                  {NumberOf(next, 3 * i + 1), NumberOf(previous, 3 * i + 2)},
                   triangle,
-                  corners[i]};
+                  corner};
   }
   m_growth.Build(m_items);
 }
 
-// Either order of the ends gives the same key. Where an end is nowhere, the key is made of a number
-// that no other edge of the list has.
-uint64_t Smoother::EdgeKey(uint32_t vertex0, uint32_t vertex1, uint64_t unequal) const {
-  uint32_t end0 = vertex0, end1 = vertex1;
-  if (!m_respectExistingSplits) {
-    end0 = m_map.PositionOf(m_newToOld[vertex0]);
-    end1 = m_map.PositionOf(m_newToOld[vertex1]);
-    if (end0 == PositionMap::kNowhere || end1 == PositionMap::kNowhere)
-      return uint64_t{PositionMap::kNowhere} << 32 | unequal;
-  }
-  return uint64_t{std::max(end0, end1)} << 32 | std::min(end0, end1);
+// Corners are the same when their vertices are, or their positions. A vertex that is nowhere gets a
+// number of its own.
+uint32_t Smoother::NumberOf(uint32_t vertex, uint32_t unequal) const {
+  if (m_respectExistingSplits) return vertex;
+  const uint32_t position = m_map.PositionOf(m_newToOld[vertex]);
+  return position != PositionMap::kNowhere ? position : m_map.Count() + unequal;
 }
 
 // Fills the group of every step and the group vectors, which are summed in the order of growth.
