@@ -72,16 +72,10 @@ bool IsDegenerate(const Triangle& t) { return t[0] == t[1] || t[1] == t[2] || t[
 
 std::vector<ChunkDraft> GroupFacesByMaterial(const GenericMesh& mesh, ExportUserInterface& ui) {
   ui.SetProgressText("Building chunks");
-  std::vector<size_t> faceCounts(mesh.m_materials.size());
-  for (size_t i = 0; i < mesh.m_faces.size(); ++i) {
-    const GenericFace face = mesh.m_faces[i];
-    if (IsUsable(mesh, face)) ++faceCounts[face.material];
-  }
   std::vector<ChunkDraft> drafts(mesh.m_materials.size());
   for (size_t i = 0; i < drafts.size(); ++i) {
     ReportProgress(ui, i, drafts.size());
     drafts[i].material = static_cast<uint32_t>(i);
-    drafts[i].faces.reserve(faceCounts[i]);
   }
   for (size_t i = 0; i < mesh.m_faces.size(); ++i) {
     const GenericFace face = mesh.m_faces[i];

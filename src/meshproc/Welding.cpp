@@ -12,7 +12,8 @@ namespace {
 
 using Values = std::array<float, 8>;  // position, texture coordinate, normal
 
-Values ValuesOf(const GenericMesh& mesh, const FaceCorner& corner) {
+// The inline functions here run for every corner; the compiler leaves them out of line by itself.
+inline Values ValuesOf(const GenericMesh& mesh, const FaceCorner& corner) {
   const Vec3& p = mesh.m_positions[corner.position];
   const Vec3& n = mesh.m_normals[corner.normal];
   const Vec2 t = TexCoordOf(mesh, corner);
@@ -81,12 +82,12 @@ class CornerWelder {
   std::array<std::array<Pending, 3>, kBatch> m_batch;
 };
 
-uint32_t CornerWelder::LatestIfEqual(const FaceCorner& corner) const {
+inline uint32_t CornerWelder::LatestIfEqual(const FaceCorner& corner) const {
   const uint32_t latest = m_latestAt[corner.position];
   return latest < m_distinct.size() && m_distinct[latest].corner == corner ? latest : kUnknown;
 }
 
-void CornerWelder::Prepare(Pending& pending, const FaceCorner& corner) const {
+inline void CornerWelder::Prepare(Pending& pending, const FaceCorner& corner) const {
   pending.corner = corner;
   pending.number = LatestIfEqual(corner);
   if (pending.number != kUnknown) return;

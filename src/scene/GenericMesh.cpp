@@ -50,11 +50,6 @@ Vec2 Apply(const TexCoordTransform& transform, Vec2 coord) {
 
 }  // namespace
 
-GenericFace GenericFaceList::operator[](size_t face) const {
-  const uint32_t begin = face == 0 ? 0 : m_cornerEnds[face - 1];
-  return {m_materials[face], {m_corners.data() + begin, m_cornerEnds[face] - begin}};
-}
-
 std::span<FaceCorner> GenericFaceList::Corners(size_t face) {
   const uint32_t begin = face == 0 ? 0 : m_cornerEnds[face - 1];
   return {m_corners.data() + begin, m_cornerEnds[face] - begin};

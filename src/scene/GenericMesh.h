@@ -36,7 +36,11 @@ class GenericFaceList {
 
   size_t size() const { return m_materials.size(); }
   bool empty() const { return m_materials.empty(); }
-  GenericFace operator[](size_t face) const;
+  // Inline, as all stages call it for every face.
+  GenericFace operator[](size_t face) const {
+    const uint32_t begin = face == 0 ? 0 : m_cornerEnds[face - 1];
+    return {m_materials[face], {m_corners.data() + begin, m_cornerEnds[face] - begin}};
+  }
   std::span<FaceCorner> Corners(size_t face);
   void SetMaterial(size_t face, int32_t material) { m_materials[face] = material; }
   void Add(int32_t material, std::span<const FaceCorner> corners);
