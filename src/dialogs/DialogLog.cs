@@ -15,7 +15,7 @@ public sealed class DialogLog : Form {
   readonly Button m_buttonCopy = new Button { Text = "&Copy to Clipboard" };
   readonly Button m_buttonClose = new Button { Text = "Close" };
   readonly TableLayoutPanel m_window = Look.Table(100);
-  Font m_errorFont;
+  Font m_errorFont;  // null until it is needed
 
   public DialogLog() {
     Look.Prepare(this, "Velmor Exporter Log");
@@ -35,12 +35,13 @@ public sealed class DialogLog : Form {
     Shown += (sender, e) => Bridge.Guard(() => m_buttonClose.Select());
   }
 
-  // severity: 0 information, 1 warning, 2 error. What the user has selected stays selected.
+  // severity: 0 information, 1 warning, 2 error. text: whole lines, but for the last one's end. What
+  // the user has selected stays selected.
   public void Append(int severity, string text) {
     int start = m_textBox.SelectionStart, length = m_textBox.SelectionLength;
     m_textBox.Select(m_textBox.TextLength, 0);
     m_textBox.SelectionColor = s_colors[severity];
-    m_textBox.SelectionFont = severity == 2 ? m_errorFont : Font;
+    m_textBox.SelectionFont = severity == 2 ? ErrorFont() : Font;
     m_textBox.SelectedText = text + "\n";
     if (length > 0) {
       m_textBox.Select(start, length);
@@ -50,15 +51,25 @@ public sealed class DialogLog : Form {
     }
   }
 
+  // A font equal to the system's is not a changed one, so this cannot wait for OnFontChanged.
+  Font ErrorFont() {
+    if (m_errorFont == null) m_errorFont = new Font(Font, FontStyle.Bold);
+    return m_errorFont;
+  }
+
   protected override void OnFontChanged(EventArgs e) {
     base.OnFontChanged(e);
-    if (m_errorFont != null) m_errorFont.Dispose();
-    m_errorFont = new Font(Font, FontStyle.Bold);
+    DropErrorFont();
   }
 
   protected override void Dispose(bool disposing) {
     base.Dispose(disposing);
-    if (disposing) m_errorFont.Dispose();
+    if (disposing) DropErrorFont();
+  }
+
+  void DropErrorFont() {
+    if (m_errorFont != null) m_errorFont.Dispose();
+    m_errorFont = null;
   }
 
   // However the window goes: by its button, with the window of its owner, at the end of the host.

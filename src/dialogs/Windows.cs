@@ -21,6 +21,7 @@ static class Windows {
     var buttons = kind == 0 ? ButtonSet.YesYesAllNoNoAllCancel : ButtonSet.YesYesAllNoNoAll;
     using (var dialog = new DialogMessageBox(buttons, IconKind.Warning, text)) {
       dialog.Text = caption;
+      LogWindow.ShowLines();
       ShowModal(dialog, LogWindow.Current);
       return dialog.Result;
     }
@@ -31,6 +32,7 @@ static class Windows {
     MessageBoxIcon[] icons = { MessageBoxIcon.Error, MessageBoxIcon.Warning,
                                MessageBoxIcon.Information, MessageBoxIcon.Question };
     var buttons = yesNo ? MessageBoxButtons.YesNo : MessageBoxButtons.OK;
+    LogWindow.ShowLines();
     return MessageBox.Show(text, caption, buttons, icons[icon]) == DialogResult.Yes;
   }
 
