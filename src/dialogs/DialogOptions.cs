@@ -84,8 +84,10 @@ public sealed class DialogOptions : Form {
     m_checkCollectTextures.Checked = options.CollectTextures != 0;
     m_checkUseDefaultMatColors.Checked = options.UseDefaultColors != 0;
     m_checkNormalMapFlipGreen.Checked = options.NormalMapFlipGreen != 0;
+    m_isOrdering = true;  // not before both have their bounds
     SetRange(m_numericFrameFirst, options.ExportStartFrame, options);
     SetRange(m_numericFrameLast, options.ExportEndFrame, options);
+    m_isOrdering = false;
     m_textEventFile.Text = MCUtil.ToString(options.EventFileName);
     EnablePanels();
   }
