@@ -5,6 +5,16 @@
 
 namespace orv::inspect {
 
+namespace {
+
+// Terminal columns: a character of several bytes in UTF-8 takes one.
+size_t Width(std::string_view text) {
+  return static_cast<size_t>(
+      std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+}
+
+}  // namespace
+
 std::string Fixed(double value, int digits) {
   char text[352];
   std::snprintf(text, sizeof(text), "%.*f", digits, value);
@@ -42,12 +52,12 @@ void TextTable::AddRow(std::vector<std::string> cells) {
 void TextTable::Print(std::ostream& out, size_t indent) const {
   std::vector<size_t> widths(m_columns.size(), 0);
   for (const auto& row : m_rows) {
-    for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
+    for (size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(row[i]));
   }
   for (const auto& row : m_rows) {
     std::string line(indent, ' ');
     for (size_t i = 0; i < row.size(); ++i) {
-      const std::string padding(widths[i] - row[i].size(), ' ');
+      const std::string padding(widths[i] - Width(row[i]), ' ');
       if (i > 0) line += "  ";
       line += m_columns[i].align == Align::Right ? padding + row[i] : row[i] + padding;
     }

@@ -17,7 +17,8 @@ std::string Counted(size_t count, const char* what);
 // Text from a file, fit for a terminal: no control characters.
 std::string Printable(std::string_view text);
 
-// Columns as wide as their widest cell, two blanks apart; numbers to the right.
+// Columns as wide as their widest cell in characters of UTF-8, two blanks apart; numbers to the
+// right.
 class TextTable {
  public:
   enum class Align { Left, Right };

@@ -6,6 +6,7 @@
 #include "TemporaryFolder.h"
 #include "inspect/BoneOutline.h"
 #include "inspect/GoodFiles.h"
+#include "inspect/Text.h"
 
 namespace orv::inspect {
 namespace {
@@ -74,6 +75,15 @@ walk.kin: animation, 376 bytes
     b.hip
       b.knee
 )");
+}
+
+TEST(Info, ColumnsLineUpBesideNamesInUtf8) {
+  TextTable table({{"bone", TextTable::Align::Left}, {"vertices"}});
+  table.AddRow({"b.Flügel", "7"});
+  table.AddRow({"b.tail", "12"});
+  std::ostringstream out;
+  table.Print(out, 0);
+  EXPECT_EQ(out.str(), "bone      vertices\nb.Flügel         7\nb.tail          12\n");
 }
 
 using Json = nlohmann::json;
