@@ -144,8 +144,12 @@ class Desktop {
   }
   // On the window manager's button, which stands at the right end of the title above the window.
   void ClickClose(const std::string& id) {
-    Run("eval $(xdotool getwindowgeometry --shell " + id +
-        "); xdotool mousemove --window $WINDOW $((WIDTH-8)) 0 mousemove_relative -- 0 -10 click 1");
+    Demand("the end of window " + id, [&] {
+      Run("eval $(xdotool getwindowgeometry --shell " + id +
+          "); xdotool mousemove --window $WINDOW $((WIDTH-8)) 0 "
+          "mousemove_relative -- 0 -10 click 1");
+      return IsGoneSoon(id);
+    });
   }
   void Key(const std::string& keys) { Run("xdotool key " + keys); }
   void Type(const std::string& text) { Run("xdotool type '" + text + "'"); }
