@@ -117,9 +117,9 @@ class Desktop {
   void WaitUntilGone(const std::string& id) {
     Demand("the end of window " + id, [&] { return IsGone(id); });
   }
-  // Within two seconds.
+  // Within ten seconds: trying again too early would reach the window that comes next.
   bool IsGoneSoon(const std::string& id) {
-    for (int i = 0; i < 100 && !IsGone(id); ++i)
+    for (int i = 0; i < 500 && !IsGone(id); ++i)
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
     return IsGone(id);
   }
