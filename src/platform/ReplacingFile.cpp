@@ -116,6 +116,7 @@ bool ReplacingFile::PutInPlace() {
 bool ReplacingFile::WriteThrough() {
   errno = 0;
   std::ifstream from(m_temporary, std::ios::binary);
+  if (!from) return false;  // before the target is emptied
   std::ofstream to(m_target, std::ios::binary);
   if (from.peek() != traits_type::eof()) to << from.rdbuf();
   to.close();

@@ -39,6 +39,18 @@ TEST_F(ReplacingFileTest, FailedStreamLeavesTheTarget) {
   EXPECT_EQ(folder.Count(), 1u);
 }
 
+TEST_F(ReplacingFileTest, TargetStaysWhenWhatWasWrittenIsGone) {
+  WriteContent(target, "old");
+  ReplacingFile out(target, std::ios::binary);
+  out << "new" << std::flush;
+  std::error_code error;
+  fs::rename(target + ".orv-partial", folder.File("elsewhere"), error);
+  if (error) GTEST_SKIP() << "no open file can be taken away here";
+  EXPECT_FALSE(out.Commit());
+  EXPECT_NE(out.FailureReason(), "");
+  EXPECT_EQ(ContentOf(target), "old");
+}
+
 TEST_F(ReplacingFileTest, FullDeviceIsToldWithTheSystemsReason) {
   if (!fs::exists("/dev/full")) GTEST_SKIP() << "no full device here";
   for (const size_t size : {size_t{1}, size_t{1} << 20}) {
