@@ -1,9 +1,9 @@
 #include "convert/Textures.h"
 
-#include <fstream>
-#include <iterator>
+#include <stdexcept>
 
 #include "convert/Pictures.h"
+#include "formats/ChunkReader.h"
 #include "platform/ExString.h"
 
 namespace orv::convert {
@@ -60,11 +60,16 @@ std::optional<size_t> Textures::ImageOf(const inspect::SideFile& sideFile) {
   if (!bytes) return std::nullopt;
   std::optional<std::string> alphaBytes;
   if (!alphaName.empty()) alphaBytes = ReadBeside(alphaName);
-  const std::optional<Picture> picture =
-      alphaBytes ? WithAlphaOf(*bytes, sideFile.primary, *alphaBytes, alphaName)
-                 : PictureFrom(*bytes, sideFile.primary);
+  std::optional<Picture> picture;
+  std::string reason = "is no picture that can be read";
+  try {
+    picture = alphaBytes ? WithAlphaOf(*bytes, sideFile.primary, *alphaBytes, alphaName)
+                         : PictureFrom(*bytes, sideFile.primary);
+  } catch (const std::runtime_error& error) {
+    reason = error.what();
+  }
   if (!picture) {
-    m_messages.mended.push_back(sideFile.primary + ": is no picture that can be read, left out");
+    m_messages.mended.push_back(sideFile.primary + ": " + reason + ", left out");
     return std::nullopt;
   }
   std::string name(BaseNamePart(sideFile.primary));
@@ -79,8 +84,11 @@ std::optional<std::string> Textures::ReadBeside(const std::string& name) {
     m_messages.mended.push_back(name + ": is not beside the model, left out");
     return std::nullopt;
   }
-  std::ifstream in(*path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(in), {});
+  std::string bytes;
+  ReadProblem problem;
+  if (ReadWholeFile(path->string(), bytes, problem)) return bytes;
+  m_messages.mended.push_back(name + ": " + problem.text + ", left out");
+  return std::nullopt;
 }
 
 size_t Textures::SamplerOf(const inspect::SideFile& sideFile) {

@@ -40,6 +40,8 @@ ModelFolder::ModelFolder(const std::string& folder) {
   const fs::path native = folder.empty() ? "." : platform::NativePath(folder);
   for (fs::directory_iterator entry(native, error), end; !error && entry != end;
        entry.increment(error)) {
+    std::error_code unknown;
+    if (entry->is_directory(unknown)) continue;
     m_files.emplace(LowerCase(entry->path().filename().string()), entry->path());
   }
 }

@@ -171,9 +171,12 @@ TEST(Convert, TexturesAreFoundBesideTheModel) {
   WriteContent(folder.File("wall.PNG"), png);
   WriteContent(folder.File("pane-pane.texture.txt"), "Primary=pane.tga\nAlpha=pane.tga\n");
   WriteContent(folder.File("pane.tga"), kTga);
-  IndexedMeshFile file = FileOf({TriangleChunk(), TriangleChunk(), TriangleChunk()});
-  const char* const names[] = {"/x/wall.texture", "/x/pane-pane.texture", "/x/gone.texture"};
-  for (size_t i = 0; i < 3; ++i)
+  std::filesystem::create_directory(folder.File("roof.bmp"));
+  std::filesystem::create_symlink("cycle.bmp", folder.File("cycle.bmp"));
+  IndexedMeshFile file = FileOf(std::vector<IndexedMesh::Chunk>(5, TriangleChunk()));
+  const char* const names[] = {"/x/wall.texture", "/x/pane-pane.texture", "/x/gone.texture",
+                               "roof.bmp", "cycle.bmp"};
+  for (size_t i = 0; i < std::size(names); ++i)
     file.mesh.chunks[i].material.maps = {{.channel = kDiffuse, .fileName = names[i], .amount = 1}};
   const Converted converted = ConvertOf(file, nullptr, folder.File(""));
   const Json& content = converted.document.Content();
@@ -184,8 +187,10 @@ TEST(Convert, TexturesAreFoundBesideTheModel) {
   EXPECT_FALSE(content["materials"][0].contains("alphaMode"));
   EXPECT_EQ(content["samplers"][0], Json({{"wrapS", 10497}, {"wrapT", 33071}}));
   EXPECT_EQ(converted.messages.mended,
-            std::vector<std::string>{
-                "gone.texture.txt: is not beside the model, its texture is left out"});
+            (std::vector<std::string>{
+                "gone.texture.txt: is not beside the model, its texture is left out",
+                "roof.bmp: is not beside the model, left out",
+                "cycle.bmp: Too many levels of symbolic links, left out"}));
 }
 
 }  // namespace
