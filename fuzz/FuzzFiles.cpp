@@ -137,13 +137,15 @@ class FileSkeleton : public GenericSkeleton {
 void RequireRoundTrip(const AnimationFile& file) {
   FileSkeleton skeleton(file);
   std::ostringstream out;
+  RecordingUserInterface ui;
   WriteAnimation(out, skeleton,
                  {.firstFrame = 0,
                   .lastFrame = static_cast<int32_t>(file.frameCount) - 1,
                   .frameRate = file.frameRate,
                   .name = file.name,
                   .masterScale = file.masterScale,
-                  .events = file.events});
+                  .events = file.events},
+                 ui);
   const std::string bytes = std::move(out).str();
   AnimationFile again;
   ReadProblem problem;

@@ -21,10 +21,12 @@ void WriteInfo(std::ostream& out, const AnimationHeader& header) {
   WriteF32(out, header.masterScale);
 }
 
-void WriteFrames(std::ostream& out, GenericSkeleton& skeleton, int64_t first, int64_t last) {
+void WriteFrames(std::ostream& out, GenericSkeleton& skeleton, int64_t first, int64_t last,
+                 ExportUserInterface& ui) {
   const std::vector<const GenericSkeleton::Node*> bones = BonesInFileOrder(*skeleton.m_root);
   std::vector<BonePose> poses(bones.size());
   for (int64_t frame = first; frame <= last; ++frame) {
+    ui.SetProgress(static_cast<float>(frame - first) / static_cast<float>(last - first + 1));
     skeleton.SetFrame(static_cast<int>(frame));
     for (size_t i = 0; i < bones.size(); ++i) {
       poses[i] = {bones[i]->Position(), bones[i]->Rotation()};
@@ -37,7 +39,8 @@ void WriteFrames(std::ostream& out, GenericSkeleton& skeleton, int64_t first, in
 
 }  // namespace
 
-void WriteAnimation(std::ostream& out, GenericSkeleton& skeleton, const AnimationHeader& header) {
+void WriteAnimation(std::ostream& out, GenericSkeleton& skeleton, const AnimationHeader& header,
+                    ExportUserInterface& ui) {
   RootScope root(out, "ANIM");
   WriteInfo(out, header);
   WriteEvents(out, header.events, header.firstFrame, header.lastFrame);
@@ -45,13 +48,13 @@ void WriteAnimation(std::ostream& out, GenericSkeleton& skeleton, const Animatio
     ChunkScope skel(out, "SKEL", kSkeletonVersion);
     WriteBoneTree(out, *skeleton.m_root, nullptr);
   }
-  WriteFrames(out, skeleton, header.firstFrame, header.lastFrame);
+  WriteFrames(out, skeleton, header.firstFrame, header.lastFrame, ui);
 }
 
 bool WriteAnimationFile(const std::string& fileName, GenericSkeleton& skeleton,
                         const AnimationHeader& header, ExportUserInterface& ui) {
   binofstream out(fileName);
-  if (out) WriteAnimation(out, skeleton, header);
+  if (out) WriteAnimation(out, skeleton, header, ui);
   return CommitOrReport(out, ui);
 }
 

@@ -26,7 +26,8 @@ struct AnimationHeader {
 bool WriteAnimationFile(const std::string& fileName, GenericSkeleton& skeleton,
                         const AnimationHeader& header, ExportUserInterface& ui);
 
-// The whole content of the file.
-void WriteAnimation(std::ostream& out, GenericSkeleton& skeleton, const AnimationHeader& header);
+// The whole content of the file. Before each frame the fraction done is reported.
+void WriteAnimation(std::ostream& out, GenericSkeleton& skeleton, const AnimationHeader& header,
+                    ExportUserInterface& ui);
 
 }  // namespace orv

@@ -28,7 +28,8 @@ struct MeshWriteSettings {
 bool WriteIndexedMeshFile(ExIndexedMesh& mesh, const std::string& fileName,
                           const MeshWriteSettings& settings, ExportUserInterface& ui);
 
-// The whole content of the file. folder: for the side files, with its trailing separator, or "".
+// The whole content of the file. Before each chunk the fraction done is reported. folder: for the
+// side files, with its trailing separator, or "".
 void WriteIndexedMesh(std::ostream& out, ExIndexedMesh& mesh, const std::string& folder,
                       const MeshWriteSettings& settings, ExportUserInterface& ui);
 

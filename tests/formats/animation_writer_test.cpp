@@ -32,7 +32,8 @@ class MovingSkeleton : public GenericSkeleton {
 
 std::string Written(const AnimationHeader& header) {
   MovingSkeleton skeleton;
-  return BytesOf([&](std::ostream& out) { WriteAnimation(out, skeleton, header); });
+  RecordingUserInterface ui;
+  return BytesOf([&](std::ostream& out) { WriteAnimation(out, skeleton, header, ui); });
 }
 
 TEST(AnimationWriter, FileOfTwoBonesAndTwoFrames) {

@@ -22,9 +22,10 @@ TEST(BoneTree, GoesThroughBothFilesAtAnyDepth) {
   mesh.skeleton = &skeleton;
   const IndexedMeshFile meshFile = ReadBack(mesh);
   AnimationFile animation;
+  RecordingUserInterface ui;
   ReadProblem problem;
   ASSERT_TRUE(ReadAnimation(
-      BytesOf([&](std::ostream& out) { WriteAnimation(out, skeleton, AnimationHeader()); }),
+      BytesOf([&](std::ostream& out) { WriteAnimation(out, skeleton, AnimationHeader(), ui); }),
       animation, problem))
       << problem.Message();
   for (const std::vector<BoneNode>& bones : {meshFile.bones, animation.bones}) {

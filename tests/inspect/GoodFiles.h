@@ -54,7 +54,8 @@ inline std::string GoodAnimationBytes() {
   header.name = "walk";
   header.masterScale = 0.0254f;
   header.events = {{1, 0, "step"}, {2, 5, "dust"}};
-  return BytesOf([&](std::ostream& out) { WriteAnimation(out, skeleton, header); });
+  RecordingUserInterface ui;
+  return BytesOf([&](std::ostream& out) { WriteAnimation(out, skeleton, header, ui); });
 }
 
 inline AnimationFile GoodAnimationFile() {
