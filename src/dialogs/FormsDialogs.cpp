@@ -101,7 +101,10 @@ void FormsDialogs::Release() {
 bool FormsDialogs::ShowOptions(int owner, Options& options) {
   if (!StartOrTell()) return false;
   OptionsRecord record = RecordOf(options);
-  if (!m_table.showOptions(owner, &record)) return false;
+  if (!m_table.showOptions(owner, &record)) {
+    m_earlyLines.clear();
+    return false;
+  }
   Assign(record, m_table, options);
   return true;
 }
@@ -120,6 +123,11 @@ void FormsDialogs::Log(Severity severity, const char* text) {
   } else if (m_logState == LogState::NotOpened) {
     m_earlyLines.emplace_back(severity, text);
   }
+}
+
+void FormsDialogs::ShowFailure(const char* text) {
+  if (m_logState != LogState::NotOpened) return;
+  platform::ShowMessageBox(text, kCaption, platform::Buttons::Ok, platform::Icon::Error);
 }
 
 void FormsDialogs::HandleMessages() {

@@ -25,6 +25,8 @@ class FormsDialogs final : public ExportDialogs, public platform::Windows {
 
   // To be called on the event of that name: the log window has gone.
   void LogHasClosed() { m_logState = LogState::Closed; }
+  // What managed code has thrown. Shows a box while there is no log that tells it.
+  void ShowFailure(const char* text);
 
   bool Prepare() override;
   void Release() override;

@@ -17,7 +17,12 @@ void WithoutExceptions(Body body) noexcept {
 
 FormsDialogs s_ownDialogs({
     [] { ManageDialog::LogWindowSignalsClose(); },
-    [](const char* text) { WithoutExceptions([&] { ManageDialog::LogErrorText(text); }); },
+    [](const char* text) {
+      WithoutExceptions([&] {
+        ManageDialog::LogErrorText(text);
+        s_ownDialogs.ShowFailure(text);
+      });
+    },
 });
 ExportDialogs* s_dialogs = &s_ownDialogs;
 

@@ -298,9 +298,15 @@ class OtherWindows : public Dialogs {
       fs::copy_file(fs::path(ORV_PROGRAM).parent_path() / name, Path("bin") + "/" + name);
   }
   // Cancelled, nothing written, and said why.
+  // box: the title of one that is to be answered; "" for none.
   void ExpectNoExport(const std::string& reason, const std::string& program,
-                      const std::map<std::string, std::string>& environment = {}) {
+                      const std::map<std::string, std::string>& environment = {},
+                      const std::string& box = "") {
     const auto orv = StartExport({}, program, environment);
+    if (!box.empty()) {
+      m_desktop.Window(box);
+      m_desktop.Key("Return");
+    }
     EXPECT_EQ(orv->Status(), 3);
     const std::string said = orv->Errors();
     EXPECT_NE(said.find(reason), std::string::npos) << said;
@@ -322,7 +328,7 @@ TEST_F(OtherWindows, MissingOnesCancelTheExport) {
 
 TEST_F(OtherWindows, ManagedExceptionsBecomeLoggedErrors) {
   fs::copy_file(ORV_THROWING_DIALOGS "/ThrowingOptions.dll", Path("bin/OrvExporterDialogs.dll"));
-  ExpectNoExport(kThrown, Path("bin/orv"));
+  ExpectNoExport(kThrown, Path("bin/orv"), {}, "Velmor Exporter");
 }
 
 // The report of an exception is a line of the log, which throws again. A window that is closed
