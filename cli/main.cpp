@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <exception>
 #include <iostream>
@@ -26,6 +27,18 @@ std::pair<int, int> ParseFrames(const std::string& text) {
   return {first, last};
 }
 
+CLI::Validator AboveZero() {
+  return CLI::Validator(
+      [](const std::string& text) {
+        double number = 0;
+        char rest = 0;
+        const bool isNumber = std::sscanf(text.c_str(), "%lf%c", &number, &rest) == 1;
+        const bool fits = isNumber && number > 0 && std::isfinite(number);
+        return fits ? "" : std::string("expects a number above 0, not " + text);
+      },
+      "ABOVE 0");
+}
+
 void AddSceneOptions(CLI::App& command, ExportArguments& arguments) {
   host::SceneSettings& scene = arguments.sceneSettings;
   command.add_option("--select", arguments.select, "Export only this node and what is below it")
@@ -38,7 +51,7 @@ void AddSceneOptions(CLI::App& command, ExportArguments& arguments) {
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   command.add_option("--unit", scene.metresPerUnit, "Metres per unit, whatever the file says")
       ->type_name("METRES")
-      ->check(CLI::PositiveNumber);
+      ->check(AboveZero());
   command.add_option("--up", scene.upAxis, "The file's up axis, whatever the file says")
       ->type_name("y|z")
       ->check(CLI::IsMember({"y", "z"}, CLI::ignore_case));
@@ -136,7 +149,7 @@ void AddConvertCommand(CLI::App& app, ConvertArguments& arguments) {
       .add_option("--unit", arguments.metresPerUnit,
                   "Metres per unit of the bones' positions, where no animation says it")
       ->type_name("METRES")
-      ->check(CLI::PositiveNumber);
+      ->check(AboveZero());
   command.footer(
       "Exit status: 0 written; 1 written, but something was mended or left out, see the messages;\n"
       "2 wrong usage, or a file cannot be read; 3 the file cannot be written.");
@@ -210,7 +223,10 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
-    return orv::cli::Run(argc, argv);
+    const int status = orv::cli::Run(argc, argv);
+    if (std::cout.flush() && std::fflush(stdout) == 0 && !std::ferror(stdout)) return status;
+    std::cerr << "orv: standard output cannot be written\n";
+    return orv::cli::kStatusFileMissing;
   } catch (const std::exception& error) {
     std::cerr << "orv: " << error.what() << '\n';
     return orv::cli::kStatusFileMissing;

@@ -57,7 +57,8 @@ INSTANTIATE_TEST_SUITE_P(
                     StatusCase{"exprot moving.gltf", 2, "'exprot'|Did you mean 'export'?"},
                     StatusCase{"export moving.gltf --colect-textures", 2,
                                "'--colect-textures'|Did you mean '--collect-textures'?"},
-                    StatusCase{"export moving.gltf --unit -1", 2, "--unit"},
+                    StatusCase{"export moving.gltf --unit -1", 2,
+                               "--unit: expects a number above 0, not -1"},
                     StatusCase{"export moving.gltf --up x", 2, "--up"},
                     StatusCase{"export moving.gltf --select crete", 2,
                                "moving.gltf|'crete'|Did you mean 'crate'?"},
@@ -92,6 +93,15 @@ INSTANTIATE_TEST_SUITE_P(
                                "orv: gone/x.kin was not written"},
                     StatusCase{"export moving.gltf -o file/x --no-geometry", 3,
                                "orv: file/x.kin was not written: Not a directory."}));
+
+TEST(Output, ThatCannotBeWrittenIsAnError) {
+  if (!fs::exists("/dev/full")) GTEST_SKIP() << "no full device here";
+  for (const char* arguments : {"--help", "plugin"}) {
+    const int result = std::system(
+        (std::string(ORV_PROGRAM) + " " + arguments + " >/dev/full 2>/dev/null").c_str());
+    EXPECT_EQ(WEXITSTATUS(result), 3) << arguments;
+  }
+}
 
 TEST(Log, QuietLeavesErrorsAndTheSummary) {
   const Workplace place;
