@@ -26,7 +26,7 @@ void WriteFrames(std::ostream& out, GenericSkeleton& skeleton, int64_t first, in
   const std::vector<const GenericSkeleton::Node*> bones = BonesInFileOrder(*skeleton.m_root);
   std::vector<BonePose> poses(bones.size());
   for (int64_t frame = first; frame <= last; ++frame) {
-    ui.SetProgress(static_cast<float>(frame - first) / static_cast<float>(last - first + 1));
+    ui.ReportProgress(static_cast<size_t>(frame - first), static_cast<size_t>(last - first + 1));
     skeleton.SetFrame(static_cast<int>(frame));
     for (size_t i = 0; i < bones.size(); ++i) {
       poses[i] = {bones[i]->Position(), bones[i]->Rotation()};

@@ -147,7 +147,7 @@ void WriteIndexedMesh(std::ostream& out, ExIndexedMesh& mesh, const std::string&
   const MeshStatistics statistics = ComputeStatistics(mesh);
   WriteMeshInfo(out, mesh, statistics);
   for (size_t i = 0; i < mesh.chunks.size(); ++i) {
-    ui.SetProgress(static_cast<float>(i) / static_cast<float>(mesh.chunks.size()));
+    ui.ReportProgress(i, mesh.chunks.size());
     mesh.PrepareChunk(i, settings.optimise);
     IndexedMesh::Chunk& chunk = mesh.chunks[i];
     ChunkScope chnk(out, "CHNK", kChunkVersion);

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "meshproc/ExIndexedMesh.h"
-#include "meshproc/Progress.h"
 
 namespace orv {
 
@@ -74,7 +73,7 @@ std::vector<ChunkDraft> GroupFacesByMaterial(const GenericMesh& mesh, ExportUser
   ui.SetProgressText("Building chunks");
   std::vector<ChunkDraft> drafts(mesh.m_materials.size());
   for (size_t i = 0; i < drafts.size(); ++i) {
-    ReportProgress(ui, i, drafts.size());
+    ui.ReportProgress(i, drafts.size());
     drafts[i].material = static_cast<uint32_t>(i);
   }
   for (size_t i = 0; i < mesh.m_faces.size(); ++i) {

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "meshproc/Progress.h"
-
 namespace orv {
 
 namespace {
@@ -61,7 +59,7 @@ std::vector<std::unique_ptr<GenericMeshInfluence>> ExtractInfluences(
   std::vector<std::unique_ptr<GenericMeshInfluence>> influences;
   influences.reserve(cornerMaps.size());
   for (size_t i = 0; i < cornerMaps.size(); ++i) {
-    ReportProgress(ui, i, cornerMaps.size());
+    ui.ReportProgress(i, cornerMaps.size());
     influences.push_back(std::make_unique<ExGenericMeshInfluence>());
     for (const auto& bone : mesh.m_bones) influences[i]->AddBone(WithoutWeights(*bone));
   }

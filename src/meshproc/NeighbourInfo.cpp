@@ -6,7 +6,6 @@
 #include <span>
 
 #include "meshproc/InternTable.h"
-#include "meshproc/Progress.h"
 
 namespace orv {
 
@@ -137,7 +136,7 @@ void BuildNeighbourInfo(std::vector<IndexedMesh::Chunk>& chunks, ExportUserInter
         edges.Add(corners, static_cast<uint32_t>(chunk << 16 | triangle));
       });
   const auto beginChunk = [&](size_t chunk) {
-    ReportProgress(ui, chunk, chunks.size());
+    ui.ReportProgress(chunk, chunks.size());
     ui.SetProgressText("Building neighbor array");
     chunks[chunk].neighbours.reserve(chunks[chunk].triangles.size());
   };

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "meshproc/InternTable.h"
-#include "meshproc/Progress.h"
 
 namespace orv {
 
@@ -175,7 +174,7 @@ void WeldVertices(const GenericMesh& mesh, std::vector<ChunkDraft>& drafts, bool
   ui.SetProgressText("Optimizing chunks");
   CornerWelder welder(mesh);
   for (size_t i = 0; i < drafts.size(); ++i) {
-    ReportProgress(ui, i, drafts.size());
+    ui.ReportProgress(i, drafts.size());
     welder.Weld(drafts[i], keepCornerMaps);
   }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -29,6 +30,11 @@ class ExportUserInterface {
   virtual void LogInfoText(const char* text) = 0;
   virtual void LogWarningText(const char* text) = 0;
   virtual void LogErrorText(const char* text) = 0;
+
+  // Before each item of a stage.
+  void ReportProgress(size_t item, size_t itemCount) {
+    SetProgress(static_cast<float>(item) / static_cast<float>(itemCount));
+  }
 
   void LogInfo(const char* format, ...) ORV_PRINTF(2, 3);
   void LogWarning(const char* format, ...) ORV_PRINTF(2, 3);

@@ -16,13 +16,11 @@
 namespace orv {
 namespace {
 
-float Fraction(size_t i, size_t count) { return static_cast<float>(i) / static_cast<float>(count); }
-
 void TransformMeshes(SceneContent& scene, float scale, ExportUserInterface& ui) {
   ui.SetProgressText("Transforming and cropping");
   if (scene.skeleton) scene.skeleton->SetFrame(0);
   for (size_t i = 0; i < scene.meshes.size(); ++i) {
-    ui.SetProgress(Fraction(i, scene.meshes.size()));
+    ui.ReportProgress(i, scene.meshes.size());
     const SceneMesh& read = scene.meshes[i];
     const auto& materials = read.mesh->m_materials;
     read.mesh->Transform(read.objectTransform, scale,
@@ -55,7 +53,7 @@ std::unique_ptr<GenericMesh> MergeMeshes(SceneContent& scene, bool ignoreColours
   std::unique_ptr<GenericMesh> merged = std::move(scene.meshes[0].mesh);
   GenericMeshInfluence& influence = *scene.influences[0];
   for (size_t i = 1; i < scene.meshes.size(); ++i) {
-    ui.SetProgress(Fraction(i, scene.meshes.size()));
+    ui.ReportProgress(i, scene.meshes.size());
     merged->Append(*scene.meshes[i].mesh, ignoreColours);
     scene.meshes[i].mesh.reset();
     // Kept: the offset is taken after the append, so the weights name vertices past the mesh they

@@ -137,9 +137,7 @@ class SceneReader {
   }
 
   // Kept: both passes run the bar to one half.
-  void ReportProgress(size_t i) {
-    m_ui.SetProgress(static_cast<float>(i) / static_cast<float>(2 * m_nodes.size()));
-  }
+  void ReportProgress(size_t i) { m_ui.ReportProgress(i, 2 * m_nodes.size()); }
 
   std::span<INode* const> m_nodes;
   Interface* m_host;

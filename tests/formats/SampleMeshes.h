@@ -8,6 +8,7 @@
 
 #include "FileBytes.h"
 #include "RecordingUserInterface.h"
+#include "formats/AnimationWriter.h"
 #include "formats/IndexedMeshReader.h"
 #include "formats/IndexedMeshWriter.h"
 
@@ -77,6 +78,11 @@ inline WrittenMesh Written(ExIndexedMesh& mesh) {
   });
   written.log = ui.log;
   return written;
+}
+
+inline std::string BytesOf(GenericSkeleton& skeleton, const AnimationHeader& header) {
+  RecordingUserInterface ui;
+  return BytesOf([&](std::ostream& out) { WriteAnimation(out, skeleton, header, ui); });
 }
 
 inline IndexedMeshFile ReadBack(ExIndexedMesh& mesh) {

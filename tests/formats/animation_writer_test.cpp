@@ -32,8 +32,7 @@ class MovingSkeleton : public GenericSkeleton {
 
 std::string Written(const AnimationHeader& header) {
   MovingSkeleton skeleton;
-  RecordingUserInterface ui;
-  return BytesOf([&](std::ostream& out) { WriteAnimation(out, skeleton, header, ui); });
+  return BytesOf(skeleton, header);
 }
 
 TEST(AnimationWriter, FileOfTwoBonesAndTwoFrames) {
@@ -55,6 +54,18 @@ TEST(AnimationWriter, FileOfTwoBonesAndTwoFrames) {
                      LittleEndian(0) + Floats({10, 0, 0, 0, 0, 0, 1, 10, 1, 0, 0, 0, 0, 1})) +
                Chunk("FRAM", 100,
                      LittleEndian(1) + Floats({11, 0, 0, 0, 0, 0, 1, 11, 1, 0, 0, 0, 0, 1}))));
+}
+
+// The log window takes its messages with each report.
+TEST(AnimationWriter, ReportsBeforeEachFrame) {
+  MovingSkeleton skeleton;
+  RecordingUserInterface ui;
+  std::ostringstream out;
+  AnimationHeader header;
+  header.firstFrame = 10;
+  header.lastFrame = 13;
+  WriteAnimation(out, skeleton, header, ui);
+  EXPECT_EQ(ui.progress, (std::vector<float>{0, 0.25f, 0.5f, 0.75f}));
 }
 
 TEST(AnimationWriter, RangeThatEndsBeforeItBeginsHasNoFrames) {

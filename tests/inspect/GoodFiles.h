@@ -54,8 +54,7 @@ inline std::string GoodAnimationBytes() {
   header.name = "walk";
   header.masterScale = 0.0254f;
   header.events = {{1, 0, "step"}, {2, 5, "dust"}};
-  RecordingUserInterface ui;
-  return BytesOf([&](std::ostream& out) { WriteAnimation(out, skeleton, header, ui); });
+  return BytesOf(skeleton, header);
 }
 
 inline AnimationFile GoodAnimationFile() {
