@@ -58,7 +58,7 @@ int32_t IconNumber(platform::Icon icon) {
 
 FormsDialogs::FormsDialogs(const Events& events) {
   m_table.logWindowSignalsClose = events.logWindowSignalsClose;
-  m_table.reportException = events.logError;
+  m_table.reportException = events.reportException;
   platform::UseWindows(this);
 }
 
@@ -102,7 +102,7 @@ bool FormsDialogs::ShowOptions(int owner, Options& options) {
   if (!StartOrTell()) return false;
   OptionsRecord record = RecordOf(options);
   if (!m_table.showOptions(owner, &record)) {
-    m_earlyLines.clear();
+    m_earlyLines.clear();  // no log follows, and the next export's is not theirs
     return false;
   }
   Assign(record, m_table, options);

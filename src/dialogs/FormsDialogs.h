@@ -17,7 +17,7 @@ class FormsDialogs final : public ExportDialogs, public platform::Windows {
  public:
   struct Events {
     void (*logWindowSignalsClose)();
-    void (*logError)(const char*);
+    void (*reportException)(const char*);
   };
 
   // The events come while a window handles its messages; no exception may leave them.

@@ -297,8 +297,7 @@ class OtherWindows : public Dialogs {
     for (const char* name : {"orv", "OrvExporter.dle"})
       fs::copy_file(fs::path(ORV_PROGRAM).parent_path() / name, Path("bin") + "/" + name);
   }
-  // Cancelled, nothing written, and said why.
-  // box: the title of one that is to be answered; "" for none.
+  // Cancelled, nothing written, and said why. box: the title of one to be answered; "" for none.
   void ExpectNoExport(const std::string& reason, const std::string& program,
                       const std::map<std::string, std::string>& environment = {},
                       const std::string& box = "") {
