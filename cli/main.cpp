@@ -187,6 +187,7 @@ bool KnowsCommand(const CLI::App& app, const std::string& word) {
 
 int Run(int argc, char** argv) {
   CLI::App app(kDescription, "orv");
+  app.footer("Exit status of every command: 3 when standard output cannot be written.");
   app.set_version_flag("--version", "orv 1.0.0");
   ExportArguments arguments;
   AddExportCommand(app, arguments);
@@ -224,7 +225,7 @@ int Run(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     const int status = orv::cli::Run(argc, argv);
-    if (std::cout.flush() && std::fflush(stdout) == 0 && !std::ferror(stdout)) return status;
+    if (std::cout.flush() && !std::ferror(stdout)) return status;
     std::cerr << "orv: standard output cannot be written\n";
     return orv::cli::kStatusFileMissing;
   } catch (const std::exception& error) {
