@@ -25,6 +25,12 @@ inline std::string ExampleFile(const std::string& name) { return ORV_EXAMPLES "/
 // One of the importer's own test files, which a package installs.
 inline std::string ModelFile(const std::string& name) { return "/usr/share/assimp/models/" + name; }
 
+// The program to test: the one just built, unless the environment names another.
+inline std::string Program() {
+  const char* other = std::getenv("ORV_OTHER_PROGRAM");
+  return other ? other : ORV_PROGRAM;
+}
+
 // A run of the program.
 struct Outcome {
   int status = -1;
@@ -66,7 +72,7 @@ class Workplace {
         " HOME=" + Quoted(m_root.File("home")) + " XDG_CONFIG_HOME=" + Quoted(m_root.File("home")) +
         " ASAN_OPTIONS=detect_leaks=" + (checkLeaks ? "1" : "0") +
         " LSAN_OPTIONS=print_suppressions=0:suppressions=" ORV_LEAK_SUPPRESSIONS " " +
-        Quoted(ORV_PROGRAM);
+        Quoted(Program());
     for (const std::string& argument : arguments) command += " " + Quoted(argument);
     command += " </dev/null >" + Quoted(m_root.File("out")) + " 2>" + Quoted(m_root.File("err"));
     const int result = std::system(command.c_str());
