@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/scene/OpenScene.h"
+#include "host/import/OpenScene.h"
 
 namespace orv::cli {
 

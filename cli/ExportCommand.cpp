@@ -13,7 +13,7 @@
 #include "Suggest.h"
 #include "Terminal.h"
 #include "TerminalDialogs.h"
-#include "host/scene/MemoryHost.h"
+#include "host/memory/MemoryHost.h"
 #include "inspect/CheckFiles.h"
 #include "platform/ExString.h"
 

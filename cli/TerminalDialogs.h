@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Terminal.h"
-#include "shell/ExportDialogs.h"
+#include "dialogs/ExportDialogs.h"
 
 namespace orv::cli {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "meshproc/IndexedMesh.h"
+#include "scene/IndexedMesh.h"
 
 namespace orv {
 

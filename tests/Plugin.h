@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "host/scene/MemoryHost.h"
+#include "host/memory/MemoryHost.h"
 #include "max.h"
 #include "shell/HostEntry.h"
 

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "dialogs/DialogTable.h"
+#include "dialogs/ExportDialogs.h"
 #include "platform/Platform.h"
-#include "shell/ExportDialogs.h"
 
 namespace orv {
 

@@ -9,7 +9,7 @@
 #include "formats/BoneTree.h"
 #include "formats/ChunkReader.h"
 #include "formats/MeshStatistics.h"
-#include "meshproc/IndexedMesh.h"
+#include "scene/IndexedMesh.h"
 
 namespace orv {
 

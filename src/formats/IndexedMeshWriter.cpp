@@ -5,8 +5,8 @@
 #include "formats/BoneTree.h"
 #include "formats/ChunkStream.h"
 #include "formats/FileVersions.h"
+#include "formats/SideFiles.h"
 #include "platform/ExString.h"
-#include "scene/SideFiles.h"
 
 namespace orv {
 

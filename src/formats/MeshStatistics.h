@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "meshproc/IndexedMesh.h"
+#include "scene/IndexedMesh.h"
 
 namespace orv {
 

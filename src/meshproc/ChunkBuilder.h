@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "meshproc/ChunkDraft.h"
-#include "meshproc/IndexedMesh.h"
 #include "report/ExportUserInterface.h"
+#include "scene/IndexedMesh.h"
 
 namespace orv {
 

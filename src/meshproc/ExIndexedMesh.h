@@ -2,9 +2,9 @@
 
 #include <cstdint>
 
-#include "meshproc/IndexedMesh.h"
 #include "meshproc/MeshLimits.h"
 #include "report/ExportUserInterface.h"
+#include "scene/IndexedMesh.h"
 
 namespace orv {
 

@@ -2,8 +2,8 @@
 
 #include <vector>
 
-#include "meshproc/IndexedMesh.h"
 #include "report/ExportUserInterface.h"
+#include "scene/IndexedMesh.h"
 
 namespace orv {
 

@@ -8,9 +8,9 @@
 
 #include "bmmlib.h"
 
+#include "formats/SideFiles.h"
 #include "options/Options.h"
 #include "platform/Platform.h"
-#include "scene/SideFiles.h"
 #include "shell/CatchAll.h"
 #include "shell/ManageDialog.h"
 #include "shell/MaxExportUserInterface.h"

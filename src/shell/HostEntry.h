@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "shell/ExportDialogs.h"
+#include "dialogs/ExportDialogs.h"
 
 namespace orv {
 

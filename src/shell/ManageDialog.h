@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shell/ExportDialogs.h"
+#include "dialogs/ExportDialogs.h"
 
 namespace orv {
 

@@ -4,8 +4,8 @@
 
 #include "max.h"
 #include "platform/ExString.h"
-#include "scene/MaxExAnimationExporter.h"
-#include "scene/MaxExGeometryExporter.h"
+#include "readers/MaxExAnimationExporter.h"
+#include "readers/MaxExGeometryExporter.h"
 
 namespace orv {
 

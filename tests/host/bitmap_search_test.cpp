@@ -1,4 +1,4 @@
-#include "host/scene/BitmapSearch.h"
+#include "host/memory/BitmapSearch.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "host/scene/MemoryHost.h"
-#include "host/scene/Scene.h"
+#include "host/memory/MemoryHost.h"
+#include "host/memory/Scene.h"
 
 namespace orv::host {
 namespace {

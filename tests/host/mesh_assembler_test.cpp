@@ -1,4 +1,4 @@
-#include "host/scene/MeshAssembler.h"
+#include "host/memory/MeshAssembler.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/scene/OpenScene.h"
+#include "host/import/OpenScene.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@
 
 #include "TemporaryFolder.h"
 #include "host/HostTesting.h"
-#include "host/scene/ImageAlpha.h"
-#include "host/scene/MemoryHost.h"
+#include "host/import/ImageAlpha.h"
+#include "host/memory/MemoryHost.h"
 
 namespace orv::host {
 namespace {

@@ -7,8 +7,8 @@
 #include <set>
 #include <vector>
 
-#include "meshproc/IndexedMesh.h"
 #include "meshproc/MeshLimits.h"
+#include "scene/IndexedMesh.h"
 
 namespace orv {
 

@@ -7,8 +7,8 @@
 #include "TemporaryFolder.h"
 #include "formats/IndexedMeshReader.h"
 #include "options/Options.h"
-#include "scene/MaxExAnimationExporter.h"
-#include "scene/MaxExGeometryExporter.h"
+#include "readers/MaxExAnimationExporter.h"
+#include "readers/MaxExGeometryExporter.h"
 
 namespace orv {
 

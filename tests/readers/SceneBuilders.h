@@ -4,8 +4,8 @@
 #include <initializer_list>
 #include <vector>
 
-#include "host/scene/MemoryHost.h"
-#include "host/scene/Scene.h"
+#include "host/memory/MemoryHost.h"
+#include "host/memory/Scene.h"
 
 namespace orv {
 

@@ -2,7 +2,7 @@
 
 #include "RecordingUserInterface.h"
 #include "SceneBuilders.h"
-#include "scene/MaxExMesh.h"
+#include "readers/MaxExMesh.h"
 #include "scene/MeshBuilders.h"
 
 namespace orv {

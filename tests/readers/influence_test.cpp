@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "SceneBuilders.h"
-#include "scene/MaxExInfluence.h"
+#include "readers/MaxExInfluence.h"
 
 namespace orv {
 namespace {

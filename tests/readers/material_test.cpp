@@ -2,7 +2,7 @@
 
 #include "RecordingUserInterface.h"
 #include "SceneBuilders.h"
-#include "scene/MaxExMaterial.h"
+#include "readers/MaxExMaterial.h"
 
 namespace orv {
 namespace {

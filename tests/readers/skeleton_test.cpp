@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "SceneBuilders.h"
-#include "scene/MaxExNodes.h"
-#include "scene/MaxExSkeleton.h"
+#include "readers/MaxExNodes.h"
+#include "readers/MaxExSkeleton.h"
 
 namespace orv {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "host/scene/Scene.h"
+#include "host/memory/Scene.h"
 
 namespace orv {
 

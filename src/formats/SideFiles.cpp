@@ -1,0 +1,231 @@
+#include "formats/SideFiles.h"
+
+#include <algorithm>
+#include <ios>
+#include <string_view>
+
+#include "platform/ExString.h"
+#include "platform/Platform.h"
+#include "platform/ReplacingFile.h"
+
+namespace orv {
+
+namespace {
+
+constexpr size_t kMaxMapFileName = 514;
+constexpr size_t kMaxQuestion = 1023;  // as long as any formatted text may be
+
+bool Contains(std::string_view text, std::string_view part) {
+  return text.find(part) != std::string_view::npos;
+}
+
+// Scene files mix "\\" and "/" within one path.
+std::string MapName(const std::string& fileName) {
+  return fileName.substr(fileName.find_last_of("/\\") + 1);
+}
+
+std::string MapBaseName(const std::string& fileName) {
+  return std::string(BaseNamePart(MapName(fileName)));
+}
+
+bool AnyDiffuseMap(const GenericMaterial& material, const auto& nameTest) {
+  return std::any_of(material.maps.begin(), material.maps.end(), [&](const MaterialMap& map) {
+    return map.channel == kDiffuse && nameTest(map.fileName);
+  });
+}
+
+// A diffuse map that went through a side file with alpha carries both words in its name; so does
+// any other file that happens to, its folder included.
+// Pinned by MaterialName.SuffixFollowsTheMaps.
+bool HasAlpha(const GenericMaterial& material) {
+  return FindMap(material, kOpacity) || AnyDiffuseMap(material, [](const std::string& name) {
+           return Contains(name, ".texture") && Contains(name, "-");
+         });
+}
+
+const char* TypeSuffix(const GenericMaterial& material, bool allowBillboards) {
+  if (FindMap(material, kReflection)) return HasAlpha(material) ? "gloss" : "reflect";
+  const auto diffuseNameHas = [&](const char* part) {
+    return AnyDiffuseMap(material, [&](const std::string& name) { return Contains(name, part); });
+  };
+  if (allowBillboards && diffuseNameHas("tb_")) return "tribillboard";
+  if (allowBillboards && diffuseNameHas("sb_")) return "billboard";
+  return FindMap(material, kDiffuse) ? "onetex" : "notex";
+}
+
+std::string SideFileText(const MaterialMap& primary, const MaterialMap* alpha, bool noTile) {
+  std::string text = "Primary=" + MapName(primary.fileName) + "\n";
+  if (alpha) text += "Alpha=" + MapName(alpha->fileName) + "\n";
+  if (!noTile && (primary.tileS || primary.tileT)) {
+    text += std::string("Tile=") + (primary.tileS ? "s" : "") + (primary.tileT ? "t" : "") + "\n";
+  }
+  if (primary.channel == kBump) {
+    text += "NormalMapHint=normalmap\n";
+    if (primary.flipGreen) text += "ModifyMap=flipgreen\n";
+  }
+  return text;
+}
+
+// Writes the side files of one material.
+class SideFileWriter {
+ public:
+  SideFileWriter(const std::string& folder, ExportUserInterface& ui, bool& askOverwrite,
+                 bool& forceOverwrite)
+      : m_folder(folder),
+        m_ui(ui),
+        m_askOverwrite(askOverwrite),
+        m_forceOverwrite(forceOverwrite) {}
+
+  // alpha: the same map as primary, another one, or null.
+  void WriteFor(MaterialMap& primary, const MaterialMap* alpha);
+
+ private:
+  void WriteOrSkip(const std::string& path, const std::string& text);
+  bool MayReplaceAfterAsking(const std::string& path, const char* prefix);
+  void ReplaceRemoved(const std::string& path, const std::string& text, const char* prefix);
+  bool WriteText(const std::string& path, const std::string& text, const std::string& finalPath);
+  void LogSkipped(const std::string& path) {
+    m_ui.LogInfo("Skipping existing file: '%s'", path.c_str());
+  }
+  void LogOverwriting(const std::string& path) {
+    m_ui.LogInfo("Overwriting existing file: '%s'", path.c_str());
+  }
+
+  const std::string& m_folder;
+  ExportUserInterface& m_ui;
+  bool& m_askOverwrite;
+  bool& m_forceOverwrite;
+};
+
+void SideFileWriter::WriteFor(MaterialMap& primary, const MaterialMap* alpha) {
+  m_ui.CollectTexture(primary.fileName);
+  if (alpha) m_ui.CollectTexture(alpha->fileName);
+  if (!m_ui.CanPrompt()) m_askOverwrite = false;
+  if (Contains(primary.fileName, ".texture")) return;  // has its side file already
+
+  const std::string base = MapBaseName(primary.fileName);
+  std::string engineName = m_folder + base;
+  if (alpha) engineName.append("-").append(MapBaseName(alpha->fileName));
+  engineName += ".texture";
+  WriteOrSkip(engineName + ".txt",
+              SideFileText(primary, alpha, BeginsWithIgnoringCase(base, "notile_")));
+  primary.fileName = engineName.substr(0, kMaxMapFileName);
+}
+
+void SideFileWriter::WriteOrSkip(const std::string& path, const std::string& text) {
+  if (!platform::FileExists(path)) {
+    WriteText(path, text, path);
+  } else if (m_forceOverwrite) {
+    LogOverwriting(path);
+    WriteText(path, text, path);
+  } else {
+    const char* prefix = platform::IsWritable(path) ? "" : "Read-Only ";
+    if (m_askOverwrite && MayReplaceAfterAsking(path, prefix)) {
+      ReplaceRemoved(path, text, prefix);
+    } else {
+      LogSkipped(path);
+    }
+  }
+}
+
+bool SideFileWriter::MayReplaceAfterAsking(const std::string& path, const char* prefix) {
+  const std::string question =
+      std::string(prefix) + ".texture.txt file " + path + " already exists.\n  Overwrite file?\n";
+  const Answer answer = m_ui.ShowMessage(question.substr(0, kMaxQuestion).c_str(),
+                                         MessageKind::YesNoAll, Severity::Information);
+  if (answer == Answer::YesToAll) m_forceOverwrite = true;
+  if (answer == Answer::NoToAll) m_askOverwrite = false;
+  return answer == Answer::Yes || answer == Answer::YesToAll;
+}
+
+// The old file, read-only perhaps, makes room only for a complete new one. A folder that takes no
+// new file lets none be removed either.
+void SideFileWriter::ReplaceRemoved(const std::string& path, const std::string& text,
+                                    const char* prefix) {
+  const std::string newPath = path + ".orv-new";
+  const bool canRemove = platform::WhyNotWritable(newPath).empty();
+  if (canRemove && !WriteText(newPath, text, path)) return;
+  if (!canRemove || !platform::RemoveFile(path)) {
+    m_ui.LogWarning("Could not remove %sfile.\n", prefix);
+    LogSkipped(path);
+    platform::RemoveFile(newPath);
+    return;
+  }
+  LogOverwriting(path);
+  if (!platform::RenameOnto(newPath, path)) {
+    m_ui.LogError("Could not open texture file %s for writing.", path.c_str());
+    m_ui.LogInfo("  its text is in %s", newPath.c_str());
+  }
+}
+
+// finalPath: the name that the user is told when writing fails.
+bool SideFileWriter::WriteText(const std::string& path, const std::string& text,
+                               const std::string& finalPath) {
+  ReplacingFile file(path, std::ios::out);
+  file << text;
+  if (file.Commit()) return true;
+  m_ui.LogError("Could not open texture file %s for writing.", finalPath.c_str());
+  m_ui.LogInfo("  %s", file.FailureReason().c_str());
+  return false;
+}
+
+// With exactly one separator between the two; a folder of no name is the topmost one.
+std::string DestinationPath(const std::string& folder, const std::string& source) {
+  const std::string name = MapName(source);
+  ExString path(folder.c_str());
+  return path.AppendPath(name.c_str(), false).NormalizeSeparators('\\').CStr();
+}
+
+}  // namespace
+
+std::string ComposeMaterialName(const GenericMaterial& material, const std::string& name,
+                                bool allowBillboards, ExportUserInterface& ui) {
+  if (HasTypeSuffix(name)) return LowerCase(name);
+  ui.LogError(
+      "Material '%s' name is invalid.  Materials should be named and have a 'm.' material type "
+      "suffix.",
+      name.c_str());
+  return LowerCase(name) + "m." + TypeSuffix(material, allowBillboards);
+}
+
+bool WriteTextureSideFiles(GenericMaterial& material, const std::string& folder,
+                           ExportUserInterface& ui, bool& askOverwrite, bool& forceOverwrite) {
+  SideFileWriter writer(folder, ui, askOverwrite, forceOverwrite);
+  MaterialMap* diffuse = nullptr;
+  const MaterialMap* opacity = nullptr;
+  for (MaterialMap& map : material.maps) {  // of several, the last one counts
+    if (map.channel == kDiffuse) {
+      diffuse = &map;
+    } else if (map.channel == kOpacity) {
+      opacity = &map;
+    } else {
+      writer.WriteFor(map, map.alphaFromFile ? &map : nullptr);
+    }
+  }
+  if (diffuse) {
+    const bool ownAlpha = !opacity && diffuse->alphaFromFile;
+    writer.WriteFor(*diffuse, ownAlpha ? diffuse : opacity);
+  }
+  return opacity != nullptr;
+}
+
+bool CopyTextures(const std::vector<std::string>& names, const std::string& folder,
+                  bool noQuestions, bool silent, const TextureResolver& resolve,
+                  ExportUserInterface& ui) {
+  ui.SetProgressText("Copying texture files...");
+  std::vector<std::string> failed;
+  for (const std::string& name : names) {
+    const std::string resolved = resolve(name);
+    const std::string& source = resolved.empty() ? name : resolved;
+    const std::string destination = DestinationPath(folder, source);
+    if (platform::IsSameFile(source, destination)) continue;
+    if (!platform::CopyOneFile(source, destination, noQuestions, silent)) failed.push_back(source);
+  }
+  if (failed.empty()) return true;
+  ui.LogError("The following %d file(s) failed to copy or could not be located:",
+              static_cast<int>(failed.size()));
+  for (const std::string& name : failed) ui.LogInfo("  %s", name.c_str());
+  return false;
+}
+
+}  // namespace orv
