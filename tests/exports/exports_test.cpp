@@ -82,27 +82,18 @@ std::string DescribedFile(const std::string& name, const std::string& content) {
          (isShown ? " " + Escaped(content) : "");
 }
 
-// What only one of the two has, in order.
+// The lines that one of the two has more often.
 std::string Difference(const Lines& expected, const Lines& actual) {
-  const size_t rows = expected.size(), columns = actual.size();
-  std::vector<std::vector<size_t>> common(rows + 1, std::vector<size_t>(columns + 1));
-  for (size_t i = rows; i-- > 0;) {
-    for (size_t j = columns; j-- > 0;) {
-      common[i][j] = expected[i] == actual[j] ? common[i + 1][j + 1] + 1
-                                              : std::max(common[i + 1][j], common[i][j + 1]);
-    }
-  }
   std::string text;
-  for (size_t i = 0, j = 0; i < rows || j < columns;) {
-    if (i < rows && j < columns && expected[i] == actual[j]) {
-      ++i, ++j;
-    } else if (j == columns || (i < rows && common[i + 1][j] >= common[i][j + 1])) {
-      text += "- " + expected[i++] + "\n";
-    } else {
-      text += "+ " + actual[j++] + "\n";
+  const auto add = [&](const char* mark, const Lines& lines, const Lines& others) {
+    for (const std::string& line : lines) {
+      if (std::ranges::count(lines, line) > std::ranges::count(others, line))
+        text += mark + line + "\n";
     }
-  }
-  return text;
+  };
+  add("- ", expected, actual);
+  add("+ ", actual, expected);
+  return text.empty() && expected != actual ? "the lines are in another order\n" : text;
 }
 
 Records ReadRecords() {
@@ -150,9 +141,11 @@ class Exports : public testing::TestWithParam<std::string> {
     Lines record;
     std::string next;
     for (std::istringstream in(exports); std::getline(in, next, ';');) {
-      for (const auto& [name, path] : folders) next = Replaced(next, name, path);
-      Words arguments = WordsOf(next);
-      arguments.insert(arguments.begin(), "export");
+      std::vector<std::string> arguments = {"export"};
+      for (std::string word : WordsOf(next)) {
+        for (const auto& [name, path] : folders) word = Replaced(word, name, path);
+        arguments.push_back(word);
+      }
       Outcome run = place.Orv(arguments);
       for (const auto& [name, path] : folders) {
         for (std::string* text : {&run.out, &run.err}) *text = Replaced(*text, path, name);
