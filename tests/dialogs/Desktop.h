@@ -1,94 +1,22 @@
 #pragma once
 
-#include <fcntl.h>
-#include <signal.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cctype>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <initializer_list>
-#include <map>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
-#include "TemporaryFolder.h"
+#include "Process.h"
 
 namespace orv {
-
-constexpr std::chrono::seconds kPatience(60);  // for what takes a second on an idle machine
-
-// False when it has not come true in time.
-inline bool WaitUntil(const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + kPatience;
-  while (!condition()) {
-    if (std::chrono::steady_clock::now() > end) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
-  }
-  return true;
-}
-
-// A program that runs beside the test and is killed with it.
-class Program {
- public:
-  // Output goes to the files FOLDER/NAME.out and FOLDER/NAME.err. Only keepOpen of the test's own
-  // files is handed down.
-  Program(const std::string& folder, const std::string& name, std::vector<std::string> arguments,
-          const std::map<std::string, std::string>& environment = {}, int keepOpen = -1)
-      : m_out(folder + "/" + name + ".out"), m_err(folder + "/" + name + ".err") {
-    m_pid = fork();
-    if (m_pid != 0) return;
-    for (const auto& [key, value] : environment) setenv(key.c_str(), value.c_str(), 1);
-    const int input = open("/dev/null", O_RDONLY);
-    const int out = open(m_out.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    const int err = open(m_err.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
-    if (chdir(folder.c_str()) != 0 || input < 0 || out < 0 || err < 0) _exit(126);
-    dup2(input, 0);
-    dup2(out, 1);
-    dup2(err, 2);
-    for (int file = 3; file < 256; ++file)
-      if (file != keepOpen) close(file);
-    std::vector<char*> argv;
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    execvp(argv[0], argv.data());
-    _exit(127);
-  }
-  ~Program() {
-    if (m_pid <= 0 || m_status) return;
-    kill(m_pid, SIGKILL);
-    waitpid(m_pid, nullptr, 0);
-  }
-  Program(const Program&) = delete;
-
-  bool Ended() {
-    int status = 0;
-    if (!m_status && waitpid(m_pid, &status, WNOHANG) == m_pid)
-      m_status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return m_status.has_value();
-  }
-  // Its exit status; -1 when it does not end.
-  int Status() {
-    return WaitUntil([this] { return Ended(); }) ? *m_status : -1;
-  }
-
-  std::string Output() const { return ContentOf(m_out); }
-  std::string Errors() const { return ContentOf(m_err); }
-  pid_t Pid() const { return m_pid; }
-
- private:
-  pid_t m_pid;
-  std::string m_out, m_err;
-  std::optional<int> m_status;
-};
 
 // An X display with a window manager, a pointer and a keyboard, for one test program. Windows are
 // named by what stands in their title, buttons and check boxes by their captions with the "&".
@@ -177,19 +105,20 @@ class Desktop {
   Desktop() {
     int ends[2];
     if (pipe(ends) != 0) throw std::runtime_error("no pipe");
-    m_server.emplace(
-        m_folder.File(""), "xvfb",
-        std::vector<std::string>{"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0",
-                                 "1024x768x24", "-noreset", "-nolisten", "tcp"},
-        std::map<std::string, std::string>{}, ends[1]);
+    m_server.emplace(Command{.arguments = {"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen",
+                                           "0", "1024x768x24", "-noreset", "-nolisten", "tcp"},
+                             .folder = m_folder.File(""),
+                             .output = m_folder.File("xvfb"),
+                             .keepOpen = ends[1]});
     close(ends[1]);
     std::string number;
     for (char c; read(ends[0], &c, 1) == 1 && c != '\n';) number += c;
     close(ends[0]);
     if (number.empty()) throw std::runtime_error("no display: " + m_server->Errors());
     setenv("DISPLAY", (":" + number).c_str(), 1);
-    m_manager.emplace(m_folder.File(""), "jwm",
-                      std::vector<std::string>{"jwm", "-f", ORV_DIALOG_TESTS "/jwmrc"});
+    m_manager.emplace(Command{.arguments = {"jwm", "-f", ORV_DIALOG_TESTS "/jwmrc"},
+                              .folder = m_folder.File(""),
+                              .output = m_folder.File("jwm")});
     Demand("a window manager", [&] { return !Run("xdotool get_num_desktops").empty(); });
   }
 
@@ -212,7 +141,7 @@ class Desktop {
   }
 
   TemporaryFolder m_folder;
-  std::optional<Program> m_server, m_manager;
+  std::optional<Process> m_server, m_manager;
 };
 
 }  // namespace orv

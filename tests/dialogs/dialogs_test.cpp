@@ -39,7 +39,7 @@ class Dialogs : public testing::Test {
   bool Exists(const std::string& name) const { return fs::exists(Path(name)); }
 
   // What Mono and the sanitizers would fight over is left to Mono.
-  std::unique_ptr<Program> Start(const std::string& name, std::vector<std::string> arguments,
+  std::unique_ptr<Process> Start(const std::string& name, std::vector<std::string> arguments,
                                  std::map<std::string, std::string> environment = {},
                                  const std::string& program = ORV_PROGRAM,
                                  const std::string& folder = "") {
@@ -50,9 +50,10 @@ class Dialogs : public testing::Test {
                          "detect_leaks=0:handle_segv=0:handle_sigfpe=0:handle_abort=0:"
                          "use_sigaltstack=0"}});
     arguments.insert(arguments.begin(), program);
-    return std::make_unique<Program>(Path(folder), name, arguments, environment);
+    return std::make_unique<Process>(
+        Command{arguments, Path(folder), Path(folder + "/" + name), environment});
   }
-  std::unique_ptr<Program> StartExport(const std::vector<std::string>& more = {},
+  std::unique_ptr<Process> StartExport(const std::vector<std::string>& more = {},
                                        const std::string& program = ORV_PROGRAM,
                                        const std::map<std::string, std::string>& environment = {}) {
     std::vector<std::string> arguments = {"export",     kScene,     "-o",       "out.im",
@@ -247,7 +248,7 @@ class WhileItRuns : public Dialogs {
     m_pipe = -1;
   }
 
-  std::unique_ptr<Program> orv;
+  std::unique_ptr<Process> orv;
   std::string log;
 
  private:

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/wait.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -12,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "TemporaryFolder.h"
+#include "Process.h"
 #include "formats/AnimationReader.h"
 #include "formats/IndexedMeshReader.h"
 
@@ -67,25 +65,23 @@ class Workplace {
 
   // Looking for leaks takes a sanitized program five times as long as a small export.
   Outcome Orv(const std::vector<std::string>& arguments, bool checkLeaks = false) const {
-    std::string command =
-        "cd " + Quoted(Here()) + " && TMPDIR=" + Quoted(m_root.File("tmp")) +
-        " HOME=" + Quoted(m_root.File("home")) + " XDG_CONFIG_HOME=" + Quoted(m_root.File("home")) +
-        " ASAN_OPTIONS=detect_leaks=" + (checkLeaks ? "1" : "0") +
-        " LSAN_OPTIONS=print_suppressions=0:suppressions=" ORV_LEAK_SUPPRESSIONS " " +
-        Quoted(Program());
-    for (const std::string& argument : arguments) command += " " + Quoted(argument);
-    command += " </dev/null >" + Quoted(m_root.File("out")) + " 2>" + Quoted(m_root.File("err"));
-    const int result = std::system(command.c_str());
-    return {WIFEXITED(result) ? WEXITSTATUS(result) : -1, ContentOf(m_root.File("out")),
-            ContentOf(m_root.File("err"))};
+    Process run({.arguments = With({Program()}, arguments),
+                 .folder = Here(),
+                 .output = m_root.File("run"),
+                 .environment = {{"TMPDIR", m_root.File("tmp")},
+                                 {"HOME", m_root.File("home")},
+                                 {"XDG_CONFIG_HOME", m_root.File("home")},
+                                 {"ASAN_OPTIONS", checkLeaks ? "detect_leaks=1" : "detect_leaks=0"},
+                                 {"LSAN_OPTIONS",
+                                  "print_suppressions=0:suppressions=" ORV_LEAK_SUPPRESSIONS}}});
+    const int status = run.Status();
+    return {status, run.Output(), run.Errors()};
   }
 
   // orv export SCENE -o OUT ...
   Outcome Export(const std::string& scene, const std::string& output,
                  const std::vector<std::string>& more = {}) const {
-    std::vector<std::string> arguments = {"export", scene, "-o", output};
-    arguments.insert(arguments.end(), more.begin(), more.end());
-    return Orv(arguments);
+    return Orv(With({"export", scene, "-o", output}, more));
   }
 
   std::string Here() const { return m_root.File("here"); }
@@ -119,10 +115,10 @@ class Workplace {
     if (!read(Path(name), file, problem)) throw std::runtime_error(problem.Message());
     return file;
   }
-  static std::string Quoted(const std::string& text) {
-    std::string quoted = "'";
-    for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
-    return quoted + "'";
+  static std::vector<std::string> With(std::vector<std::string> words,
+                                       const std::vector<std::string>& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
   }
 
   TemporaryFolder m_root;
