@@ -26,10 +26,6 @@ bool Load(const std::string& name, const char* kind, inspect::LoadedFile& file) 
 }
 
 // With its separator; "" for a name without folder.
-std::string FolderPart(const std::string& path) {
-  return path.substr(0, path.size() - FileNamePart(path).size());
-}
-
 bool IsInput(const ConvertArguments& arguments, const std::string& output) {
   return platform::FileExists(output) &&
          (platform::IsSameFile(output, arguments.model) ||
@@ -67,7 +63,7 @@ int RunConvertCommand(const ConvertArguments& arguments) {
       convert::Convert({.mesh = *model.Mesh(),
                         .animation = animation.Animation(),
                         .name = base,
-                        .textureFolder = FolderPart(arguments.model),
+                        .textureFolder = std::string(FolderPart(arguments.model)),
                         .metresPerUnit = arguments.metresPerUnit},
                        messages);
   for (const std::string& text : messages.notes) {

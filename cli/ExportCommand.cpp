@@ -31,14 +31,12 @@ std::string OutputStem(const ExportArguments& arguments) {
   if (stem.empty() || stem.ends_with('/') || std::filesystem::is_directory(stem))
     stem = std::filesystem::path(stem) / BaseNamePart(arguments.scene);
   for (const std::string_view extension : {".im", ".kin"}) {
-    if (stem.size() > extension.size() &&
-        EqualIgnoringCase(std::string_view(stem).substr(stem.size() - extension.size()),
-                          extension)) {
+    if (stem.size() > extension.size() && EndsWithIgnoringCase(stem, extension)) {
       stem.resize(stem.size() - extension.size());
       break;
     }
   }
-  if (FileNamePart(stem).size() == stem.size()) stem.insert(0, "./");
+  if (FolderPart(stem).empty()) stem.insert(0, "./");
   return stem;
 }
 
@@ -193,7 +191,7 @@ int Conclude(const FileWatch& model, const FileWatch& animation, const TerminalD
 
 int Export(ExportArguments& arguments) {
   const std::string stem = OutputStem(arguments);
-  arguments.sceneSettings.exportFolder = stem.substr(0, stem.size() - FileNamePart(stem).size());
+  arguments.sceneSettings.exportFolder = FolderPart(stem);
   CheckEventFile(arguments.eventFile);
   Terminal terminal(arguments.quiet);
   const std::unique_ptr<host::Scene> scene =

@@ -9,7 +9,7 @@ namespace orv::cli {
 
 PluginLibrary::PluginLibrary() {
   const std::string program = platform::HostExecutablePath();
-  m_path = program.substr(0, program.size() - FileNamePart(program).size()) + "OrvExporter.dle";
+  m_path = std::string(FolderPart(program)) + "OrvExporter.dle";
   m_library = dlopen(m_path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!m_library) throw PluginError(std::string("cannot load the plug-in: ") + dlerror());
   Find("LibDescription", LibDescription);

@@ -14,14 +14,10 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-bool IsAnimationName(const std::string& name) { return LowerCase(name).ends_with(".kin"); }
+bool IsAnimationName(const std::string& name) { return EndsWithIgnoringCase(name, ".kin"); }
 
 std::string StemOf(const std::string& name) {
   return ExString(name.c_str()).StripExtension().CStr();
-}
-
-std::string FolderOf(const std::string& name) {
-  return name.substr(0, name.size() - FileNamePart(name).size());
 }
 
 // The animations that belong to a mesh, each once.
@@ -48,7 +44,7 @@ std::vector<std::string> AnimationsFor(const std::string& mesh,
 void CheckMesh(const LoadedFile& file, std::span<const std::string> given, Findings& findings) {
   CheckStructure(*file.Mesh(), findings);
   CheckContent(*file.Mesh(), findings);
-  CheckTextures(file.Mesh()->mesh, FolderOf(file.name), findings);
+  CheckTextures(file.Mesh()->mesh, std::string(FolderPart(file.name)), findings);
   for (const std::string& name : AnimationsFor(file.name, given)) {
     const LoadedFile animation = LoadFile(name);
     if (animation.problem || !animation.Animation()) continue;  // said when it was given

@@ -32,7 +32,7 @@ SideFile ReadSideFile(const std::filesystem::path& path) {
   return sideFile;
 }
 
-bool NamesSideFile(const std::string& mapName) { return LowerCase(mapName).ends_with(".texture"); }
+bool NamesSideFile(const std::string& mapName) { return EndsWithIgnoringCase(mapName, ".texture"); }
 
 ModelFolder::ModelFolder(const std::string& folder) {
   namespace fs = std::filesystem;

@@ -112,16 +112,6 @@ Matrix3 AxisTurn::Matrix(const aiMatrix4x4& m) const {
   return Matrix3(x, zero - z, y, translation);
 }
 
-bool EndsWithIgnoringCase(std::string_view text, std::string_view lowerEnd) {
-  if (text.size() < lowerEnd.size()) return false;
-  text.remove_prefix(text.size() - lowerEnd.size());
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i] >= 'A' && text[i] <= 'Z' ? static_cast<char>(text[i] + 32) : text[i];
-    if (c != lowerEnd[i]) return false;
-  }
-  return true;
-}
-
 std::string FolderOf(const std::string& path) {
   const std::string folder = std::filesystem::path(path).parent_path().string();
   return folder.empty() ? "." : folder;

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <nlohmann/json.hpp>
 
-#include "host/import/ImportContext.h"
+#include "platform/ExString.h"
 
 namespace orv::host {
 namespace {

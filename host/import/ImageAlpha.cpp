@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "host/import/ImportContext.h"
+#include "platform/ExString.h"
 
 namespace orv::host {
 namespace {

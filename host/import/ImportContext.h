@@ -56,7 +56,6 @@ FileFacts ReadFileFacts(const aiScene& source);
 
 std::string FolderOf(const std::string& path);  // "." when it has none
 std::string FileNameOf(const std::string& path);
-bool EndsWithIgnoringCase(std::string_view text, std::string_view lowerEnd);  // ASCII
 std::string StemOf(const std::string& path);  // the file's name without its extension
 
 }  // namespace orv::host

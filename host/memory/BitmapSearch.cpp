@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/ExString.h"
+
 namespace orv::host {
 namespace {
 
@@ -25,11 +27,6 @@ std::vector<std::string> SplitPath(std::string_view name) {
   return parts;
 }
 
-bool SameIgnoringCase(std::string_view a, std::string_view b) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; };
-  return std::ranges::equal(a, b, [&](char x, char y) { return lower(x) == lower(y); });
-}
-
 // Of several that differ in case only, the first by byte order.
 std::optional<fs::path> FindIgnoringCase(fs::path folder, std::span<const std::string> parts) {
   for (const std::string& part : parts) {
@@ -42,7 +39,7 @@ std::optional<fs::path> FindIgnoringCase(fs::path folder, std::span<const std::s
     for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
          entry.increment(error)) {
       const std::string name = entry->path().filename().string();
-      if (SameIgnoringCase(name, part) && (best.empty() || name < best)) best = name;
+      if (EqualIgnoringCase(name, part) && (best.empty() || name < best)) best = name;
     }
     if (best.empty()) return std::nullopt;
     folder /= best;

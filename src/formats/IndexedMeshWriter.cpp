@@ -12,11 +12,6 @@ namespace orv {
 
 namespace {
 
-// With the trailing separator.
-std::string FolderOf(const std::string& fileName) {
-  return fileName.substr(0, fileName.size() - FileNamePart(fileName).size());
-}
-
 void WriteProperties(std::ostream& out, const GenericMaterial& material) {
   WriteU32(out, static_cast<uint32_t>(material.properties.size()));
   for (const auto& [key, value] : material.properties) {
@@ -166,7 +161,7 @@ void WriteIndexedMesh(std::ostream& out, ExIndexedMesh& mesh, const std::string&
 bool WriteIndexedMeshFile(ExIndexedMesh& mesh, const std::string& fileName,
                           const MeshWriteSettings& settings, ExportUserInterface& ui) {
   binofstream out(fileName);
-  if (out) WriteIndexedMesh(out, mesh, FolderOf(fileName), settings, ui);
+  if (out) WriteIndexedMesh(out, mesh, std::string(FolderPart(fileName)), settings, ui);
   return CommitOrReport(out, ui);
 }
 

@@ -7,8 +7,6 @@ namespace {
 
 bool IsSeparator(char c) { return c == '/' || c == '\\'; }
 
-char LowerCaseChar(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 // A backslash anywhere wins over every "/", as in all file names the exporter has ever made.
 size_t LastSeparator(std::string_view path) {
   const size_t backslash = path.rfind('\\');
@@ -61,6 +59,10 @@ std::string_view FileNamePart(std::string_view path) {
   return path.substr(LastSeparator(path) + 1);  // npos + 1 is 0
 }
 
+std::string_view FolderPart(std::string_view path) {
+  return path.substr(0, path.size() - FileNamePart(path).size());
+}
+
 std::string_view BaseNamePart(std::string_view path) {
   const std::string_view name = FileNamePart(path);
   return name.substr(0, name.rfind('.'));
@@ -68,17 +70,22 @@ std::string_view BaseNamePart(std::string_view path) {
 
 std::string LowerCase(std::string_view text) {
   std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(), LowerCaseChar);
+  for (char& c : lower) c = LowerCase(c);
   return lower;
 }
 
 bool EqualIgnoringCase(std::string_view a, std::string_view b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [](char x, char y) { return LowerCaseChar(x) == LowerCaseChar(y); });
+                    [](char x, char y) { return LowerCase(x) == LowerCase(y); });
 }
 
 bool BeginsWithIgnoringCase(std::string_view text, std::string_view prefix) {
   return EqualIgnoringCase(text.substr(0, prefix.size()), prefix);
+}
+
+bool EndsWithIgnoringCase(std::string_view text, std::string_view suffix) {
+  return text.size() >= suffix.size() &&
+         EqualIgnoringCase(text.substr(text.size() - suffix.size()), suffix);
 }
 
 }  // namespace orv

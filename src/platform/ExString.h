@@ -40,12 +40,17 @@ class ExString {
 // What stands after the last "\\", else after the last "/"; the whole path when it has neither.
 std::string_view FileNamePart(std::string_view path);
 
-// The same without what follows the name's last ".".
+// What stands before that, with its separator; "" for a path that has none.
+std::string_view FolderPart(std::string_view path);
+
+// FileNamePart without what follows the name's last ".".
 std::string_view BaseNamePart(std::string_view path);
 
 // ASCII only, whatever the locale.
+constexpr char LowerCase(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
 std::string LowerCase(std::string_view text);
 bool EqualIgnoringCase(std::string_view a, std::string_view b);
 bool BeginsWithIgnoringCase(std::string_view text, std::string_view prefix);
+bool EndsWithIgnoringCase(std::string_view text, std::string_view suffix);
 
 }  // namespace orv

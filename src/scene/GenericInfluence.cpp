@@ -4,16 +4,10 @@
 
 namespace orv {
 
-namespace {
-
-constexpr char LowerCaseAscii(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
-
-}  // namespace
-
 size_t GenericMeshInfluence::NameHash::operator()(std::string_view name) const {
   uint64_t hash = 0xCBF29CE484222325u;
   for (const char c : name) {
-    hash = (hash ^ static_cast<unsigned char>(LowerCaseAscii(c))) * 0x100000001B3u;
+    hash = (hash ^ static_cast<unsigned char>(LowerCase(c))) * 0x100000001B3u;
   }
   return static_cast<size_t>(hash);
 }

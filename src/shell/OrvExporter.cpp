@@ -5,20 +5,12 @@
 #include "shell/ResourceText.h"
 
 namespace orv {
-namespace {
-
-// The path up to and with its last separator.
-ExString FolderOf(const std::string& path) {
-  return ExString(std::string_view(path).substr(0, path.size() - FileNamePart(path).size()));
-}
-
-}  // namespace
 
 ExString OrvExporter::s_settingsFolder;
 
 OrvExporter::OrvExporter() {
   CatchAll([this] {
-    m_exporterFolder = FolderOf(platform::HostExecutablePath());
+    m_exporterFolder = ExString(FolderPart(platform::HostExecutablePath()));
     m_geometry = std::make_unique<MaxExGeometryExporter>();
     m_animation = std::make_unique<MaxExAnimationExporter>();
   });

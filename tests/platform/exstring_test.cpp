@@ -52,6 +52,7 @@ TEST(ExString, Cuts) {
     EXPECT_STREQ(ExString(c.path).StripExtension().CStr(), c.withoutExtension) << c.path;
     EXPECT_STREQ(ExString(c.path).StripFileName().CStr(), c.withoutFileName) << c.path;
     EXPECT_EQ(FileNamePart(c.path), c.fileName) << c.path;
+    EXPECT_EQ(std::string(FolderPart(c.path)) + c.fileName, c.path);
     EXPECT_EQ(BaseNamePart(c.path), c.baseName) << c.path;
   }
 }
