@@ -122,18 +122,4 @@ void SkinnedObject::PoseVertex(size_t vertex, const std::vector<Matrix3>& poses)
   }
 }
 
-Object* SkinnedObject::RestObject::ConvertToType(TimeValue, Class_ID type) {
-  if (!CanConvertToType(type)) return nullptr;
-  TriObject* made = new TriObject(m_skinned.m_posed.mesh);
-  size_t next = 0;
-  for (size_t v = 0; v < m_skinned.m_restPositions.size(); ++v) {
-    made->mesh.verts[v] = m_skinned.m_restPositions[v];
-    RVertex& record = made->mesh.getRVert(static_cast<int>(v));
-    const DWORD count = record.rFlags & NORCT_MASK;
-    RNormal* normals = count > 1 ? record.ern : &record.rn;
-    for (DWORD k = 0; k < count; ++k) normals[k].setNormal(m_skinned.m_restNormals[next++]);
-  }
-  return made;
-}
-
 }  // namespace orv::host

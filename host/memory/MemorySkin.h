@@ -77,31 +77,18 @@ class SkinnedObject final : public IDerivedObject {
   Class_ID ClassID() override { return Class_ID(GEN_DERIVOB_CLASS_ID, 0); }
   int NumModifiers() override { return 1; }
   Modifier* GetModifier(int i) override { return i == 0 ? &m_physique : nullptr; }
-  Object* GetObjRef() override { return &m_rest; }
-  int CanConvertToType(Class_ID type) override { return m_rest.CanConvertToType(type); }
+  Object* GetObjRef() override { return nullptr; }  // at rest the mesh is no object of its own
+  int CanConvertToType(Class_ID type) override { return m_posed.CanConvertToType(type); }
   Object* ConvertToType(TimeValue t, Class_ID type) override {
     return CanConvertToType(type) ? &PosedAt(t) : nullptr;
   }
 
  private:
-  // The mesh below the modifier, made only for those who ask.
-  class RestObject final : public Object {
-   public:
-    explicit RestObject(SkinnedObject& skinned) : m_skinned(skinned) {}
-    Class_ID ClassID() override { return Class_ID(TRIOBJ_CLASS_ID, 0); }
-    SClass_ID SuperClassID() override { return GEOMOBJECT_CLASS_ID; }
-    Object* ConvertToType(TimeValue t, Class_ID type) override;
-
-   private:
-    SkinnedObject& m_skinned;
-  };
-
   void PoseVertex(size_t vertex, const std::vector<Matrix3>& poses);
   std::span<RNormal> NormalsOf(size_t vertex);
 
   INode& m_owner;
   MemoryPhysique m_physique;
-  RestObject m_rest{*this};
   TriObject m_posed;
   std::vector<Point3> m_restPositions;
   std::vector<Point3> m_restNormals;    // the mesh's, vertex by vertex

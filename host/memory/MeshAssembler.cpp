@@ -6,8 +6,6 @@
 #include <cstring>
 #include <utility>
 
-#include "host/memory/SmoothingGroups.h"
-
 namespace orv::host {
 namespace {
 
@@ -20,6 +18,66 @@ size_t HashBits(const Point3& p, uint32_t seed) {
 }
 
 bool SameBits(const Point3& a, const Point3& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+
+// A fan is the corners around a position that share a normal.
+constexpr uint32_t kNoFan = 0xFFFFFFFF;
+
+// Smoothing groups that tell the fans of one position apart.
+struct SmoothingGroups {
+  std::vector<uint32_t> fans;  // groups of each fan; 0 when none of its faces could be coloured
+  size_t uncolouredFaces = 0;  // left flat although all their corners have a fan
+};
+
+// The bit for a face of these fans: `forbidden` are the groups of other fans at its corners.
+// Prefers the groups that the fans have already, so that they stay few. 0 when all are forbidden.
+uint32_t ChooseGroup(uint32_t forbidden, const uint32_t (&groups)[3]) {
+  const uint32_t allowed = ~forbidden;
+  const auto [a, b, c] = groups;
+  const uint32_t wishes[] = {a & b & c, (a & b) | (b & c) | (c & a), a | b | c, 0xFFFFFFFF};
+  for (const uint32_t wish : wishes) {
+    const uint32_t choice = wish & allowed;
+    if (choice != 0) return choice & (~choice + 1);  // the lowest
+  }
+  return 0;
+}
+
+// Gives each face one group bit, such that no other fan at any of its corners holds that bit. A
+// face without a fan at some corner gets none. Texture faces tell the file vertices of a face,
+// `vertexFan` their fans, `fanPosition` where these are. Linear in the faces.
+SmoothingGroups PaintFaces(Mesh& mesh, size_t positionCount, std::span<const uint32_t> vertexFan,
+                           std::span<const uint32_t> fanPosition) {
+  SmoothingGroups result;
+  result.fans.assign(fanPosition.size(), 0);
+  // A bit belongs to one fan of a position at most. So what the other fans there hold is the
+  // position's bits without the fan's own.
+  std::vector<uint32_t> atPosition(positionCount, 0);
+  for (int face = 0; face < mesh.getNumFaces(); ++face) {
+    const DWORD* corners = mesh.tvFace[face].t;
+    uint32_t fans[3] = {vertexFan[corners[0]], vertexFan[corners[1]], vertexFan[corners[2]]};
+    mesh.faces[face].setSmGroup(0);
+    if (std::ranges::find(fans, kNoFan) != std::end(fans)) continue;
+    // A face that is at one position twice can have one normal there only.
+    for (int k = 1; k < 3; ++k) {
+      for (int j = 0; j < k; ++j) {
+        if (fanPosition[fans[j]] == fanPosition[fans[k]]) fans[k] = fans[j];
+      }
+    }
+    uint32_t groups[3];
+    uint32_t forbidden = 0;
+    for (int k = 0; k < 3; ++k) {
+      groups[k] = result.fans[fans[k]];
+      forbidden |= atPosition[fanPosition[fans[k]]] & ~groups[k];
+    }
+    const uint32_t group = ChooseGroup(forbidden, groups);
+    if (group == 0) ++result.uncolouredFaces;
+    for (const uint32_t fan : fans) {
+      result.fans[fan] |= group;
+      atPosition[fanPosition[fan]] |= group;
+    }
+    mesh.faces[face].setSmGroup(group);
+  }
+  return result;
+}
 
 }  // namespace
 
@@ -155,13 +213,7 @@ void MeshAssembler::SetNormals(AssembledMesh& result) {
   Mesh& mesh = result.mesh;
   const size_t positionCount = m_positions.size();
   m_positions = {};
-  const auto fansOf = [&](size_t face) {
-    const DWORD* t = mesh.tvFace[face].t;
-    return FaceFans{{m_vertexFan[t[0]], m_vertexFan[t[1]], m_vertexFan[t[2]]}};
-  };
-  const auto paint = [&](size_t face, uint32_t group) { mesh.faces[face].setSmGroup(group); };
-  const SmoothingGroups groups =
-      PaintFaces(m_faceCount, positionCount, m_fanPosition, fansOf, paint);
+  const SmoothingGroups groups = PaintFaces(mesh, positionCount, m_vertexFan, m_fanPosition);
   result.flattenedFaces = groups.uncolouredFaces;
 
   // Sorted by position; within one, in the order in which they came.

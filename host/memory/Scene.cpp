@@ -8,7 +8,9 @@ namespace orv::host {
 
 constexpr int kTicksPerSecond = 4800;
 
-Scene::Scene() { m_nodes.emplace_back(*this, "Scene Root", nullptr); }
+Scene::Scene(SceneInfo sceneInfo) : info(std::move(sceneInfo)) {
+  m_nodes.emplace_back(*this, "Scene Root", nullptr);
+}
 
 MemoryNode& Scene::AddNode(std::string name, MemoryNode* parent) {
   return m_nodes.emplace_back(*this, std::move(name), parent ? parent : &Root());

@@ -40,7 +40,7 @@ class Scene {
  public:
   SceneInfo info;
 
-  Scene();
+  explicit Scene(SceneInfo sceneInfo = {});
   Scene(const Scene&) = delete;
 
   MemoryNode& Root() { return m_nodes.front(); }
