@@ -52,9 +52,15 @@ void AddSceneOptions(CLI::App& command, ExportArguments& arguments) {
   command.add_option("--unit", scene.metresPerUnit, "Metres per unit, whatever the file says")
       ->type_name("METRES")
       ->check(AboveZero());
-  command.add_option("--up", scene.upAxis, "The file's up axis, whatever the file says")
+  command
+      .add_option_function<std::string>(
+          "--up",
+          [&scene](const std::string& axis) {
+            scene.up = axis == "y" ? host::UpAxis::Y : host::UpAxis::Z;
+          },
+          "The file's up axis, whatever the file says")
       ->type_name("y|z")
-      ->check(CLI::IsMember({"y", "z"}, CLI::ignore_case));
+      ->transform(CLI::IsMember({"y", "z"}, CLI::ignore_case));
   command
       .add_option("--textures", scene.textureFolders,
                   "Look for textures here too, after the scene's own folder")

@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <filesystem>
 #include <string_view>
 
-#include "host/import/ImportContext.h"
+#include "host/import/ImportSteps.h"
 
 namespace orv::host {
 namespace {
@@ -80,11 +79,11 @@ FileFacts ReadFileFacts(const aiScene& source) {
   }
   if (StartsWithAny(facts.format, kTurningFormats) && IsTurn(facts.rootTransform)) {
     facts.rootTransform = aiMatrix4x4(kZUpToYUp).Transpose() * facts.rootTransform;
-    facts.zUp = true;
+    facts.up = UpAxis::Z;
   }
-  if (facts.format.starts_with("Blender")) facts.zUp = true;  // its importer turns nothing
+  if (facts.format.starts_with("Blender")) facts.up = UpAxis::Z;  // its importer turns nothing
   if (facts.format.starts_with("Autodesk FBX")) {
-    facts.zUp = NumberOf(*source.mMetaData, "UpAxis", 1) == 2;
+    if (NumberOf(*source.mMetaData, "UpAxis", 1) == 2) facts.up = UpAxis::Z;
     const double centimetres = NumberOf(*source.mMetaData, "UnitScaleFactor", 1);
     if (centimetres > 0 && std::isfinite(centimetres)) facts.metresPerUnit = centimetres / 100;
     facts.framesPerSecond = FbxFrameRate(*source.mMetaData);
@@ -111,16 +110,5 @@ Matrix3 AxisTurn::Matrix(const aiMatrix4x4& m) const {
   const Point3 zero;
   return Matrix3(x, zero - z, y, translation);
 }
-
-std::string FolderOf(const std::string& path) {
-  const std::string folder = std::filesystem::path(path).parent_path().string();
-  return folder.empty() ? "." : folder;
-}
-
-std::string FileNameOf(const std::string& path) {
-  return std::filesystem::path(path).filename().string();
-}
-
-std::string StemOf(const std::string& path) { return std::filesystem::path(path).stem().string(); }
 
 }  // namespace orv::host

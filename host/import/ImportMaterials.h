@@ -5,17 +5,18 @@
 
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
-#include "host/import/EmbeddedTextures.h"
-#include "host/import/ImportContext.h"
+#include "host/import/ImportSteps.h"
 
 namespace orv::host {
 
 // The scene's materials, each read when it is first asked for.
 class MaterialImport {
  public:
-  explicit MaterialImport(ImportContext& context);
+  // All of them outlive this.
+  MaterialImport(const SourceFile& file, const SceneSettings& settings, Scene& scene);
 
   // Null for the importer's stand-in, unless the settings name a default material.
   Mtl* Find(unsigned index);
@@ -32,8 +33,14 @@ class MaterialImport {
   void ReadCoordinates(const aiMaterial& source, aiTextureType type, MemoryCoordinates& result);
   bool TakesAlphaFromFile(const aiMaterial& source, const MemoryBitmap& diffuse);
 
-  ImportContext& m_context;
-  EmbeddedTextures m_textures;
+  const aiTexture* FindEmbedded(const std::string& reference) const;
+  std::string NameOfEmbedded(const aiTexture& texture) const;
+  std::string WriteEmbedded(const aiTexture& texture);
+
+  const SourceFile& m_file;
+  const SceneSettings& m_settings;
+  Scene& m_scene;
+  std::unordered_map<const aiTexture*, std::string> m_written;
   std::vector<std::optional<Mtl*>> m_made;
   Mtl* m_default = nullptr;
 };

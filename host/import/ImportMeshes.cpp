@@ -1,5 +1,3 @@
-#include "host/import/ImportMeshes.h"
-
 #include <algorithm>
 #include <limits>
 #include <map>
@@ -7,6 +5,8 @@
 #include <numeric>
 #include <string_view>
 #include <utility>
+
+#include "host/import/ImportMaterials.h"
 
 namespace orv::host {
 namespace {
@@ -89,49 +89,54 @@ class VertexWeights {
 
 class MeshImport {
  public:
-  MeshImport(ImportContext& context, const SourceTree& tree, MaterialImport& materials)
-      : m_context(context), m_source(context.source), m_tree(tree), m_materials(materials) {}
+  MeshImport(Scene& scene, const SourceFile& file, const SourceTree& tree,
+             const std::vector<AddedNode>& nodes, MaterialImport& materials)
+      : m_scene(scene),
+        m_source(*file.scene),
+        m_turn(file.turn),
+        m_tree(tree),
+        m_nodes(nodes),
+        m_materials(materials) {}
 
   void Run() {
-    CollectUses();
+    const std::vector<MeshUse> uses = CollectUses();
     std::vector<unsigned> pending(m_source.mNumMeshes, 0);
-    for (const MeshUse& use : m_uses) {
+    for (const MeshUse& use : uses) {
       for (const unsigned mesh : use.meshes) ++pending[mesh];
     }
-    for (const MeshUse& use : m_uses) {
-      Take(use, pending);
-    }
+    for (const MeshUse& use : uses) Take(use, pending);
   }
 
  private:
-  void CollectUses() {
+  std::vector<MeshUse> CollectUses() {
+    std::vector<MeshUse> uses;
     std::map<std::vector<unsigned>, size_t> shared;
-    for (const SourceNode& node : m_tree.nodes) {
-      MeshUse use{MeshesOf(*node.source), {node.made}};
-      if (use.meshes.empty() || !node.made) continue;
-      if (node.isBone) {
-        Warn("node \"" + node.made->Name() + "\" is a joint and so a bone, its mesh will not show");
+    for (size_t i = 0; i < m_nodes.size(); ++i) {
+      MemoryNode* const node = m_nodes[i].node;
+      MeshUse use{MeshesOf(m_tree.nodes[i]), {node}};
+      if (use.meshes.empty() || !node) continue;
+      if (m_nodes[i].isBone) {
+        Warn("node \"" + node->Name() + "\" is a joint and so a bone, its mesh will not show");
       }
       const bool skinned = std::ranges::any_of(
           use.meshes, [&](unsigned mesh) { return m_source.mMeshes[mesh]->mNumBones > 0; });
       // A skinned mesh is posed in its node's space.
       const auto known = skinned ? shared.end() : shared.find(use.meshes);
       if (known != shared.end()) {
-        m_uses[known->second].nodes.push_back(node.made);
+        uses[known->second].nodes.push_back(node);
         continue;
       }
-      if (!skinned) shared.emplace(use.meshes, m_uses.size());
-      m_uses.push_back(std::move(use));
+      if (!skinned) shared.emplace(use.meshes, uses.size());
+      uses.push_back(std::move(use));
     }
+    return uses;
   }
 
-  std::vector<unsigned> MeshesOf(const aiNode& node) const {
-    std::vector<unsigned> meshes;
-    for (unsigned i = 0; i < node.mNumMeshes; ++i) {
-      const unsigned mesh = node.mMeshes[i];
-      if (mesh >= m_source.mNumMeshes || IsInvented(m_source, *m_source.mMeshes[mesh])) continue;
-      meshes.push_back(mesh);
-    }
+  std::vector<unsigned> MeshesOf(const SourceNode& node) const {
+    std::vector<unsigned> meshes = node.meshes;
+    std::erase_if(meshes, [&](unsigned mesh) {
+      return mesh >= m_source.mNumMeshes || IsInvented(m_source, *m_source.mMeshes[mesh]);
+    });
     return meshes;
   }
 
@@ -187,7 +192,7 @@ class MeshImport {
 
   Mtl* MaterialOf(const std::string& nodeName, const std::vector<Mtl*>& materials) {
     if (materials.size() <= 1) return materials.empty() ? nullptr : materials[0];
-    return &m_context.scene.AddMultiMaterial(nodeName, materials);
+    return &m_scene.AddMultiMaterial(nodeName, materials);
   }
 
   void TakePart(const aiMesh& part, const std::string& nodeName, MeshAssembler& assembler,
@@ -198,13 +203,13 @@ class MeshImport {
     const aiVector3D* texCoords = part.mTextureCoords[TexCoordChannel(part)];
     for (unsigned v = 0; v < part.mNumVertices; ++v) {
       if (v + kVerticesAhead < part.mNumVertices) {
-        assembler.Expect(m_context.turn.Point(part.mVertices[v + kVerticesAhead]));
+        assembler.Expect(m_turn.Point(part.mVertices[v + kVerticesAhead]));
       }
-      FileVertex vertex{m_context.turn.Point(part.mVertices[v]), nullptr, nullptr, weights.Of(v)};
+      FileVertex vertex{m_turn.Point(part.mVertices[v]), nullptr, nullptr, weights.Of(v)};
       Point3 normal;
       UVVert texCoord;
       if (part.mNormals) {
-        normal = m_context.turn.Point(part.mNormals[v]);
+        normal = m_turn.Point(part.mNormals[v]);
         vertex.normal = &normal;
       }
       if (texCoords) {
@@ -243,13 +248,13 @@ class MeshImport {
 
   int BoneNumber(const aiBone& source, const std::string& nodeName, std::vector<SkinBone>& bones) {
     const auto found = m_tree.byName.find(source.mName.C_Str());
-    MemoryNode* node = found == m_tree.byName.end() ? nullptr : m_tree.nodes[found->second].made;
+    MemoryNode* node = found == m_tree.byName.end() ? nullptr : m_nodes[found->second].node;
     if (!node) {
       WarnOnce("node \"" + nodeName + "\": the bone \"" + source.mName.C_Str() +
                "\" has no node, its weights are left out");
       return -1;
     }
-    const Matrix3 toBone = m_context.turn.Matrix(source.mOffsetMatrix);
+    const Matrix3 toBone = m_turn.Matrix(source.mOffsetMatrix);
     const auto known = std::ranges::find_if(
         bones, [&](const SkinBone& bone) { return bone.node == node && bone.toBone == toBone; });
     if (known != bones.end()) return static_cast<int>(known - bones.begin());
@@ -257,23 +262,26 @@ class MeshImport {
     return static_cast<int>(bones.size() - 1);
   }
 
-  void Warn(std::string text) { m_context.scene.info.warnings.push_back(std::move(text)); }
+  void Warn(std::string text) { m_scene.info.warnings.push_back(std::move(text)); }
   void WarnOnce(const std::string& text) {
-    const std::vector<std::string>& warnings = m_context.scene.info.warnings;
+    const std::vector<std::string>& warnings = m_scene.info.warnings;
     if (std::ranges::find(warnings, text) == warnings.end()) Warn(text);
   }
 
-  ImportContext& m_context;
+  Scene& m_scene;
   aiScene& m_source;
+  const AxisTurn m_turn;
   const SourceTree& m_tree;
+  const std::vector<AddedNode>& m_nodes;
   MaterialImport& m_materials;
-  std::vector<MeshUse> m_uses;
 };
 
 }  // namespace
 
-void ImportMeshes(ImportContext& context, const SourceTree& tree, MaterialImport& materials) {
-  MeshImport(context, tree, materials).Run();
+void AddMeshes(Scene& scene, SourceFile file, const SourceTree& tree,
+               const std::vector<AddedNode>& nodes, const SceneSettings& settings) {
+  MaterialImport materials(file, settings, scene);
+  MeshImport(scene, file, tree, nodes, materials).Run();
 }
 
 }  // namespace orv::host

@@ -8,19 +8,57 @@
 #include <cstdlib>
 #include <exception>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <new>
+#include <nlohmann/json.hpp>
 #include <span>
 #include <utility>
 
-#include "host/import/GltfSkins.h"
-#include "host/import/ImportContext.h"
-#include "host/import/ImportMaterials.h"
-#include "host/import/ImportMeshes.h"
-#include "host/import/ImportMotion.h"
-#include "host/import/ImportNodes.h"
+#include "host/import/ImportSteps.h"
+#include "platform/ExString.h"
 
 namespace orv::host {
 namespace {
+
+uint32_t ReadWord(std::istream& in) {
+  unsigned char bytes[4] = {};
+  in.read(reinterpret_cast<char*>(bytes), 4);
+  return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | static_cast<uint32_t>(bytes[3]) << 24;
+}
+
+// The JSON of a file, the first chunk of a binary one; "" when it is neither.
+std::string JsonOf(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (EndsWithIgnoringCase(path, ".gltf")) return {std::istreambuf_iterator<char>(in), {}};
+  if (!EndsWithIgnoringCase(path, ".glb")) return "";
+  in.seekg(0, std::ios::end);
+  const std::streamoff size = in.tellg();
+  in.seekg(12);  // magic, version, length
+  const uint32_t length = ReadWord(in);
+  ReadWord(in);  // chunk type
+  if (!in || length > size) return "";
+  std::string json(length, '\0');
+  in.read(json.data(), length);
+  return json;
+}
+
+// What keeps the importer from a glTF file's skins, in words for the user; "" for nothing, and for
+// files of other formats. A skin need not have inverse bind matrices, but the importer reads them
+// unasked.
+std::string FaultOfGltfSkins(const std::string& path) {
+  const std::string text = JsonOf(path);
+  if (text.find("\"skins\"") == std::string::npos) return "";
+  const nlohmann::json file = nlohmann::json::parse(text, nullptr, false);
+  if (!file.is_object() || !file.contains("skins") || !file["skins"].is_array()) return "";
+  for (size_t i = 0; i < file["skins"].size(); ++i) {
+    const nlohmann::json& skin = file["skins"][i];
+    if (!skin.is_object() || skin.contains("inverseBindMatrices")) continue;
+    return "skin " + std::to_string(i) +
+           " has no inverse bind matrices; save the scene again with them";
+  }
+  return "";
+}
 
 // Makes polygons fit for the importer's triangulation, which trusts them: those that name vertices
 // that are not there go, and a mesh says that it has polygons only when it has. Answers whether
@@ -72,27 +110,32 @@ std::unique_ptr<aiScene> ReadSource(const std::string& path) {
   return std::unique_ptr<aiScene>(importer.GetOrphanedScene());
 }
 
-std::unique_ptr<Scene> ImportScene(const std::string& path, const SceneSettings& settings) {
-  std::unique_ptr<aiScene> source = ReadSource(path);
-  auto scene = std::make_unique<Scene>();
-  const FileFacts facts = ReadFileFacts(*source);
-  const bool yUp = settings.upAxis.empty() ? !facts.zUp : settings.upAxis == "y";
-  ImportContext context{*source, *scene, settings, path, facts, AxisTurn(yUp)};
-
-  SceneInfo& info = scene->info;
-  info.fileName = FileNameOf(path);
-  info.metresPerUnit = settings.metresPerUnit.value_or(facts.metresPerUnit);
-  info.bitmapFolders = {FolderOf(path)};
+SceneInfo DescribeScene(const SourceFile& file, const Playback& playback,
+                        const SceneSettings& settings) {
+  const std::filesystem::path path(file.path);
+  SceneInfo info;
+  info.fileName = path.filename().string();
+  info.metresPerUnit = settings.metresPerUnit.value_or(file.facts.metresPerUnit);
+  info.framesPerSecond = playback.framesPerSecond;
+  info.firstFrame = playback.firstFrame;
+  info.lastFrame = playback.lastFrame;
+  info.animations = playback.names;
+  if (playback.animation) info.animation = playback.animation->mName.C_Str();
+  info.bitmapFolders = {path.has_parent_path() ? path.parent_path().string() : "."};
   info.bitmapFolders.insert(info.bitmapFolders.end(), settings.textureFolders.begin(),
                             settings.textureFolders.end());
+  return info;
+}
 
-  const aiAnimation* animation = ImportTime(context);
-  SourceTree tree = FlattenTree(*source);
-  ImportNodes(context, tree, animation);
-  MaterialImport materials(context);
-  ImportMeshes(context, tree, materials);
-  MakePointHelpers(context, tree);
-  source.reset();
+std::unique_ptr<Scene> ImportScene(const std::string& path, const SceneSettings& settings) {
+  std::unique_ptr<aiScene> source = ReadSource(path);
+  const FileFacts facts = ReadFileFacts(*source);
+  SourceFile file{path, std::move(source), facts, AxisTurn(settings.up.value_or(facts.up))};
+  const Playback playback = ChoosePlayback(file, settings);
+  auto scene = std::make_unique<Scene>(DescribeScene(file, playback, settings));
+  const SourceTree tree = ReadTree(file, playback);
+  const std::vector<AddedNode> nodes = AddNodes(*scene, tree, path, settings.jointsAsBones);
+  AddMeshes(*scene, std::move(file), tree, nodes, settings);
   return scene;
 }
 

@@ -11,9 +11,11 @@
 
 namespace orv::host {
 
+enum class UpAxis { Y, Z };
+
 // What the user says about a file; all that is left open is as the file says.
 struct SceneSettings {
-  std::string upAxis;  // "y" or "z"
+  std::optional<UpAxis> up;
   std::optional<double> metresPerUnit;
   std::vector<std::string> textureFolders;  // searched for bitmaps after the scene's own
   std::string defaultMaterial;              // name of a material for parts that have none

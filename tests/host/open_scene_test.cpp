@@ -10,7 +10,7 @@
 
 #include "TemporaryFolder.h"
 #include "host/HostTesting.h"
-#include "host/import/ImageAlpha.h"
+#include "host/import/PictureFiles.h"
 #include "host/memory/MemoryHost.h"
 
 namespace orv::host {
@@ -124,18 +124,18 @@ TEST_F(OpenedScene, AlphaComesFromTheFileWhenTheModeAsks) {
   }
 }
 
-TEST(ImageAlpha, ComesFromTheFirstBytes) {
+TEST(PictureAlpha, ComesFromTheFirstBytes) {
   const auto png = [](char colourType, const std::string& tag) {
     return "\x89PNG\r\n\x1A\n" + std::string("\0\0\0\x0DIHDR\0\0\0\1\0\0\0\1\x08", 17) +
            colourType + std::string("\0\0\0\0\0\0\0\0\0\0\0", 11) + tag + "\0\0\0\0";
   };
   const std::string tga(16, '\0');
-  EXPECT_TRUE(ImageCarriesAlpha(png(6, "IDAT"), "a.png"));
-  EXPECT_TRUE(ImageCarriesAlpha(png(2, "tRNS"), "a.png"));
-  EXPECT_FALSE(ImageCarriesAlpha(png(2, "IDAT"), "a.png"));
-  EXPECT_FALSE(ImageCarriesAlpha("\xFF\xD8\xFF\xE0", "a.jpg"));
-  EXPECT_TRUE(ImageCarriesAlpha(tga + '\x20', "a.TGA"));
-  EXPECT_FALSE(ImageCarriesAlpha(tga + '\x18', "a.TGA"));
+  EXPECT_TRUE(PictureCarriesAlpha(png(6, "IDAT"), "a.png"));
+  EXPECT_TRUE(PictureCarriesAlpha(png(2, "tRNS"), "a.png"));
+  EXPECT_FALSE(PictureCarriesAlpha(png(2, "IDAT"), "a.png"));
+  EXPECT_FALSE(PictureCarriesAlpha("\xFF\xD8\xFF\xE0", "a.jpg"));
+  EXPECT_TRUE(PictureCarriesAlpha(tga + '\x20', "a.TGA"));
+  EXPECT_FALSE(PictureCarriesAlpha(tga + '\x18', "a.TGA"));
 }
 
 class EmbeddedTexture : public OpenedScene {
