@@ -11,6 +11,7 @@
 #include "readers/MaxExConvert.h"
 #include "readers/MaxExInfluence.h"
 #include "readers/MaxExScene.h"
+#include "scene/MeshMerger.h"
 #include "units.h"
 
 namespace orv {
@@ -50,19 +51,18 @@ std::unique_ptr<GenericMesh> MergeMeshes(SceneContent& scene, bool ignoreColours
                                          ExportUserInterface& ui) {
   ui.SetProgressText("Merging meshes");
   ReserveForAll(scene.meshes);
-  std::unique_ptr<GenericMesh> merged = std::move(scene.meshes[0].mesh);
+  MeshMerger merger(std::move(scene.meshes[0].mesh), ignoreColours);
   GenericMeshInfluence& influence = *scene.influences[0];
   for (size_t i = 1; i < scene.meshes.size(); ++i) {
     ui.ReportProgress(i, scene.meshes.size());
-    merged->Append(*scene.meshes[i].mesh, ignoreColours);
+    merger.Append(*scene.meshes[i].mesh);
     scene.meshes[i].mesh.reset();
     // Kept: the offset is taken after the append, so the weights name vertices past the mesh they
     // belong to. Pinned by GeometryExport.MergedWeightsAreShiftedPastTheirOwnMesh.
-    influence.Merge(*scene.influences[i], static_cast<uint32_t>(merged->m_positions.size()));
+    influence.Merge(*scene.influences[i], static_cast<uint32_t>(merger.Mesh().m_positions.size()));
     scene.influences[i].reset();
   }
-  merged->MergeMaterials(ignoreColours);
-  return merged;
+  return merger.Finish();
 }
 
 // Every bone of the scene is in the influence, also where no vertex follows it.

@@ -80,10 +80,30 @@ void GenericFaceList::Append(const GenericFaceList& other, int32_t materialOffse
   }
 }
 
+void GenericFaceList::RenumberMaterials(std::span<const int32_t> remap, size_t firstMaterial,
+                                        size_t firstFace) {
+  for (size_t face = firstFace; face < size(); ++face) {
+    const int32_t place = m_materials[face] - static_cast<int32_t>(firstMaterial);
+    if (place >= 0 && place < Count(remap)) m_materials[face] = remap[place];
+  }
+}
+
 void GenericFaceList::Reserve(size_t faces, size_t corners) {
   m_materials.reserve(faces);
   m_cornerEnds.reserve(faces);
   m_corners.reserve(corners);
+}
+
+void GenericMesh::Append(const GenericMesh& other) {
+  assert(&other != this);
+  m_faces.Append(
+      other.m_faces, Count(m_materials),
+      {static_cast<uint32_t>(m_positions.size()), static_cast<uint32_t>(m_normals.size()),
+       static_cast<uint32_t>(m_texCoords.size())});
+  AppendAll(m_positions, other.m_positions);
+  AppendAll(m_normals, other.m_normals);
+  AppendAll(m_texCoords, other.m_texCoords);
+  AppendAll(m_materials, other.m_materials);
 }
 
 void GenericMesh::RemoveUnusedMaterials() {
@@ -97,70 +117,7 @@ void GenericMesh::RemoveUnusedMaterials() {
     if (m_materials[i].used) kept.push_back(std::move(m_materials[i]));
   }
   m_materials = std::move(kept);
-  m_distinct.Truncate(0);
-  RenumberFaces(remap, 0, 0);
-}
-
-void GenericMesh::MergeMaterials(bool ignoreColours) {
-  m_distinct = MaterialIndex(ignoreColours);
-  MergeIntoDistinct(0);
-}
-
-// The materials that m_distinct knows keep their places, so faces before firstFace need no look.
-void GenericMesh::MergeIntoDistinct(size_t firstFace) {
-  const size_t distinct = m_distinct.size();
-  std::vector<int32_t> remap;  // of the materials behind those
-  std::vector<size_t> survivors;
-  for (size_t i = distinct; i < m_materials.size(); ++i) {
-    // Folded materials stay candidates: the first equal one decides, wherever that one went.
-    const auto equal = m_distinct.FindFirstEqual(m_materials[i], m_materials);
-    m_distinct.Add(m_materials[i]);
-    if (!equal) {
-      remap.push_back(static_cast<int32_t>(distinct + survivors.size()));
-      survivors.push_back(i);
-    } else {
-      remap.push_back(*equal < distinct ? static_cast<int32_t>(*equal) : remap[*equal - distinct]);
-    }
-  }
-  if (distinct + survivors.size() == m_materials.size()) return;
-
-  m_distinct.Truncate(distinct);
-  for (const size_t survivor : survivors) {
-    GenericMaterial& place = m_materials[m_distinct.size()];
-    if (&place != &m_materials[survivor]) place = std::move(m_materials[survivor]);
-    m_distinct.Add(place);
-  }
-  m_materials.resize(m_distinct.size());
-  RenumberFaces(remap, distinct, firstFace);
-}
-
-// The table is of the materials from the first on; a face that names none of them keeps its number.
-void GenericMesh::RenumberFaces(std::span<const int32_t> remap, size_t firstMaterial,
-                                size_t firstFace) {
-  for (size_t face = firstFace; face < m_faces.size(); ++face) {
-    const int32_t place = m_faces[face].material - static_cast<int32_t>(firstMaterial);
-    if (place >= 0 && place < Count(remap)) m_faces.SetMaterial(face, remap[place]);
-  }
-}
-
-void GenericMesh::Append(const GenericMesh& other, bool ignoreColours) {
-  assert(&other != this);
-  const size_t oldFaceCount = m_faces.size();
-  const bool knownDistinct =
-      m_distinct.size() == m_materials.size() && m_distinct.IgnoresColours() == ignoreColours;
-  m_faces.Append(
-      other.m_faces, Count(m_materials),
-      {static_cast<uint32_t>(m_positions.size()), static_cast<uint32_t>(m_normals.size()),
-       static_cast<uint32_t>(m_texCoords.size())});
-  AppendAll(m_positions, other.m_positions);
-  AppendAll(m_normals, other.m_normals);
-  AppendAll(m_texCoords, other.m_texCoords);
-  AppendAll(m_materials, other.m_materials);
-  if (knownDistinct) {
-    MergeIntoDistinct(oldFaceCount);
-  } else {
-    MergeMaterials(ignoreColours);
-  }
+  m_faces.RenumberMaterials(remap);
 }
 
 void GenericMesh::Transform(const Matrix43& tm, float scale, const GenericSkeleton::Node* bone) {

@@ -10,7 +10,6 @@
 #include "scene/GenericInfluence.h"
 #include "scene/GenericMaterial.h"
 #include "scene/GenericSkeleton.h"
-#include "scene/MaterialIndex.h"
 #include "scene/Vector.h"
 
 namespace orv {
@@ -46,6 +45,10 @@ class GenericFaceList {
   void Add(int32_t material, std::span<const FaceCorner> corners);
   // Adds the other's faces with their numbers raised.
   void Append(const GenericFaceList& other, int32_t materialOffset, const FaceCorner& offset);
+  // Material firstMaterial + i becomes remap[i], in the faces from firstFace on. A face that names
+  // none of these keeps its number.
+  void RenumberMaterials(std::span<const int32_t> remap, size_t firstMaterial = 0,
+                         size_t firstFace = 0);
   void Reserve(size_t faces, size_t corners);
 
  private:
@@ -77,18 +80,12 @@ class GenericMesh {
  public:
   virtual ~GenericMesh() = default;
 
+  // Adds the other's geometry and materials behind this one's. Influence, attachment points and
+  // skeleton stay as they are.
+  void Append(const GenericMesh& other);
+
   // Drops the materials no face uses and renumbers the faces.
   void RemoveUnusedMaterials();
-
-  // Folds each material into the first equal one; the survivors keep their order. Surplus records
-  // are dropped.
-  void MergeMaterials(bool ignoreColours);
-
-  // Adds the other's geometry and materials behind this one's, then merges materials; the time
-  // depends on the other alone, so between two appends leave the materials here as they are. (Only
-  // a material with like maps among its own is held against all that are here.)
-  // Influence, attachment points and skeleton stay as they are.
-  void Append(const GenericMesh& other, bool ignoreColours);
 
   // Into world space and metres; then, with a bone, into the space of that bone as it stands at
   // the current sampling time.
@@ -113,11 +110,7 @@ class GenericMesh {
   GenericSkeleton* m_skeleton = nullptr;
 
  private:
-  void MergeIntoDistinct(size_t firstFace);
-  void RenumberFaces(std::span<const int32_t> remap, size_t firstMaterial, size_t firstFace);
   void MoveIntoBoneSpace(const GenericSkeleton::Node& bone, float scale);
-
-  MaterialIndex m_distinct{false};  // the materials the last merge left
 };
 
 class ExGenericMesh : public GenericMesh {};

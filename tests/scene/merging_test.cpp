@@ -7,6 +7,7 @@
 #include <random>
 
 #include "MeshBuilders.h"
+#include "scene/MeshMerger.h"
 
 namespace orv {
 namespace {
@@ -70,35 +71,44 @@ class Randomly {
   ExGenericSkeleton::Node m_bone{"b.arm"};
 };
 
+struct MeshPair {
+  GenericMesh mesh;
+  LiteralMesh literal;
+};
+
+MeshPair SomeMesh(Randomly& random, int& tag) {
+  MeshPair pair;
+  for (int count = random.Below(6); count > 0; --count) {
+    pair.mesh.m_materials.push_back(random.SomeMaterial(tag++));
+    pair.literal.materials.push_back(pair.mesh.m_materials.back());
+  }
+  for (int count = pair.literal.materials.empty() ? 0 : 4; count > 0; --count) {
+    pair.literal.faces.push_back(random.Below(int(pair.literal.materials.size())));
+    AddFace(pair.mesh, pair.literal.faces.back(), {0, 1, 2});
+  }
+  return pair;
+}
+
 TEST(Merging, GivesWhatTheLiteralRuleGives) {
   size_t folded = 0;
   for (unsigned seed = 0; seed < 500; ++seed) {
     Randomly random(seed);
-    GenericMesh mesh;
-    LiteralMesh literal;
     int tag = 0;
-    bool ignoreColours = random.Below(2);
-    for (int step = 0; step < 12; ++step) {
-      GenericMesh other;
-      LiteralMesh literalOther;
-      for (int count = random.Below(6); count > 0; --count) {
-        other.m_materials.push_back(random.SomeMaterial(tag++));
-        literalOther.materials.push_back(other.m_materials.back());
-      }
-      for (int count = other.m_materials.empty() ? 0 : 4; count > 0; --count) {
-        literalOther.faces.push_back(random.Below(int(other.m_materials.size())));
-        AddFace(other, literalOther.faces.back(), {0, 1, 2});
-      }
-      if (random.Below(10) == 0) ignoreColours = !ignoreColours;
-      mesh.Append(other, ignoreColours);
-      literal.Append(literalOther, ignoreColours);
+    const bool ignoreColours = random.Below(2);
+    MeshPair first = SomeMesh(random, tag);
+    MeshMerger merger(std::make_unique<GenericMesh>(first.mesh), ignoreColours);
+    LiteralMesh& literal = first.literal;
+    for (int others = random.Below(24); others > 0; --others) {
+      const MeshPair other = SomeMesh(random, tag);
+      merger.Append(other.mesh);
+      literal.Append(other.literal, ignoreColours);
     }
-    mesh.MergeMaterials(ignoreColours);
+    const auto mesh = merger.Finish();
     literal.Merge(ignoreColours);
 
-    ASSERT_EQ(Tags(mesh.m_materials), Tags(literal.materials)) << "seed " << seed;
+    ASSERT_EQ(Tags(mesh->m_materials), Tags(literal.materials)) << "seed " << seed;
     for (size_t i = 0; i < literal.faces.size(); ++i) {
-      ASSERT_EQ(mesh.m_faces[i].material, literal.faces[i]) << "seed " << seed << " face " << i;
+      ASSERT_EQ(mesh->m_faces[i].material, literal.faces[i]) << "seed " << seed << " face " << i;
     }
     folded += tag - literal.materials.size();
   }

@@ -1,4 +1,4 @@
-#include "scene/MaterialIndex.h"
+#include "scene/MeshMerger.h"
 
 #include <bit>
 #include <functional>
@@ -98,6 +98,47 @@ std::optional<size_t> MaterialIndex::FindFirstEqual(
     if (equals(place)) return place;
   }
   return std::nullopt;
+}
+
+void MeshMerger::Append(const GenericMesh& other) {
+  m_mesh->Append(other);
+  MergeNewMaterials();
+}
+
+std::unique_ptr<GenericMesh> MeshMerger::Finish() {
+  MergeNewMaterials();
+  return std::move(m_mesh);
+}
+
+// The materials that the index knows keep their places, so the faces that were merged with them
+// need no look.
+void MeshMerger::MergeNewMaterials() {
+  std::vector<GenericMaterial>& materials = m_mesh->m_materials;
+  const size_t known = m_index.size();
+  std::vector<int32_t> remap;  // of the materials behind those
+  std::vector<size_t> survivors;
+  for (size_t i = known; i < materials.size(); ++i) {
+    // Folded materials stay candidates: the first equal one decides, wherever that one went.
+    const auto equal = m_index.FindFirstEqual(materials[i], materials);
+    m_index.Add(materials[i]);
+    if (!equal) {
+      remap.push_back(static_cast<int32_t>(known + survivors.size()));
+      survivors.push_back(i);
+    } else {
+      remap.push_back(*equal < known ? static_cast<int32_t>(*equal) : remap[*equal - known]);
+    }
+  }
+  if (known + survivors.size() < materials.size()) {
+    m_index.Truncate(known);
+    for (const size_t survivor : survivors) {
+      GenericMaterial& place = materials[m_index.size()];
+      if (&place != &materials[survivor]) place = std::move(materials[survivor]);
+      m_index.Add(place);
+    }
+    materials.resize(m_index.size());
+    m_mesh->m_faces.RenumberMaterials(remap, known, m_mergedFaces);
+  }
+  m_mergedFaces = m_mesh->m_faces.size();
 }
 
 }  // namespace orv
