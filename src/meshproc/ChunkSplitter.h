@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "meshproc/ChunkDraft.h"
+#include "meshproc/ChunkBuilder.h"
 #include "meshproc/MeshLimits.h"
 #include "report/ExportUserInterface.h"
 

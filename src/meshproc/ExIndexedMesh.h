@@ -33,7 +33,4 @@ class ExIndexedMesh : public IndexedMesh {
   void OptimiseIndexOrder(size_t chunk);
 };
 
-// Cross(p1 - p0, p2 - p0) at unit length; (0, 0, 1) for a triangle of zero area.
-std::vector<Vec3> ComputeFaceNormals(const IndexedMesh::Chunk& chunk);
-
 }  // namespace orv

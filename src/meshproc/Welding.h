@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "meshproc/ChunkDraft.h"
+#include "meshproc/ChunkBuilder.h"
 #include "report/ExportUserInterface.h"
 
 namespace orv {
