@@ -10,7 +10,6 @@
 #include "formats/Events.h"
 #include "options/Options.h"
 #include "platform/ExString.h"
-#include "readers/MaxExConvert.h"
 #include "readers/MaxExSkeleton.h"
 #include "units.h"
 

@@ -8,7 +8,6 @@
 #include "meshproc/ExIndexedMesh.h"
 #include "options/Options.h"
 #include "platform/Platform.h"
-#include "readers/MaxExConvert.h"
 #include "readers/MaxExInfluence.h"
 #include "readers/MaxExScene.h"
 #include "scene/MeshMerger.h"

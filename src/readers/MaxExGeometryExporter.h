@@ -1,7 +1,7 @@
 #pragma once
 
 #include "maxapi.h"
-#include "readers/MaxExNodes.h"
+#include "readers/MaxExHost.h"
 #include "report/ExportUserInterface.h"
 
 namespace orv {

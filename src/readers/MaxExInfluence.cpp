@@ -8,7 +8,7 @@
 
 #include "modstack.h"
 #include "phyexp.h"
-#include "readers/MaxExConvert.h"
+#include "readers/MaxExHost.h"
 
 namespace orv {
 namespace {

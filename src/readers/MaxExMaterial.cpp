@@ -6,7 +6,7 @@
 #include "iparamb2.h"
 #include "platform/ExString.h"
 #include "platform/Platform.h"
-#include "readers/MaxExConvert.h"
+#include "readers/MaxExHost.h"
 
 namespace orv {
 namespace {

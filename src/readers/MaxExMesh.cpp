@@ -8,7 +8,7 @@
 
 #include "platform/Platform.h"
 #include "plugapi.h"
-#include "readers/MaxExConvert.h"
+#include "readers/MaxExHost.h"
 #include "readers/MaxExMaterial.h"
 
 namespace orv {

@@ -4,9 +4,8 @@
 #include <utility>
 
 #include "platform/Platform.h"
-#include "readers/MaxExConvert.h"
+#include "readers/MaxExHost.h"
 #include "readers/MaxExInfluence.h"
-#include "readers/MaxExNodes.h"
 #include "triobj.h"
 
 namespace orv {

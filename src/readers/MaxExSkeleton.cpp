@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "quat.h"
-#include "readers/MaxExConvert.h"
+#include "readers/MaxExHost.h"
 #include "units.h"
 
 namespace orv {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "SceneBuilders.h"
-#include "readers/MaxExNodes.h"
+#include "readers/MaxExHost.h"
 #include "readers/MaxExSkeleton.h"
 
 namespace orv {

@@ -1,4 +1,4 @@
-#include "readers/MaxExNodes.h"
+#include "readers/MaxExHost.h"
 
 #include <string_view>
 
