@@ -84,9 +84,8 @@ std::string FormsDialogs::Start() {
 bool FormsDialogs::StartOrTell() {
   const std::string problem = Start();
   if (problem.empty()) return true;
-  const std::string text =
-      "The exporter's windows cannot be shown, so nothing is exported.\n" + problem;
-  platform::ShowMessageBox(text.c_str(), kCaption, platform::Buttons::Ok, platform::Icon::Error);
+  platform::ShowMessageBox(MakeFinding("windows-missing", problem).text.c_str(), kCaption,
+                           platform::Buttons::Ok, platform::Icon::Error);
   return false;
 }
 

@@ -24,8 +24,8 @@ binifstream::binifstream(const std::string& fileName)
 
 bool CommitOrReport(binofstream& out, ExportUserInterface& ui) {
   if (out.Commit()) return true;
-  ui.LogError("Geometry Exporter reported error code '%d'", kCannotWriteFile);
-  ui.LogInfo("Could not write %s: %s", out.FileName().c_str(), out.FailureReason().c_str());
+  ui.Report("file-not-writable", kCannotWriteFile, out.FileName());
+  ui.Report("file-not-writable-reason", out.FileName(), out.FailureReason());
   return false;
 }
 

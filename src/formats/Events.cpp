@@ -146,8 +146,7 @@ std::vector<AnimationEvent> ReadEventFile(const std::string& fileName, ExportUse
   if (fileName.empty()) return events;
   std::ifstream in(platform::NativePath(fileName));
   if (const std::optional<int> line = ReadEvents(in, events)) {
-    ui.LogWarning("Event file %s is malformed at line %d, later events are ignored.",
-                  fileName.c_str(), *line);
+    ui.Report("event-file-malformed", fileName, *line);
   }
   return events;
 }

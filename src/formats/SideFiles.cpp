@@ -13,7 +13,6 @@ namespace orv {
 namespace {
 
 constexpr size_t kMaxMapFileName = 514;
-constexpr size_t kMaxQuestion = 1023;  // as long as any formatted text may be
 
 bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
@@ -84,12 +83,6 @@ class SideFileWriter {
   bool MayReplaceAfterAsking(const std::string& path, const char* prefix);
   void ReplaceRemoved(const std::string& path, const std::string& text, const char* prefix);
   bool WriteText(const std::string& path, const std::string& text, const std::string& finalPath);
-  void LogSkipped(const std::string& path) {
-    m_ui.LogInfo("Skipping existing file: '%s'", path.c_str());
-  }
-  void LogOverwriting(const std::string& path) {
-    m_ui.LogInfo("Overwriting existing file: '%s'", path.c_str());
-  }
 
   const std::string& m_folder;
   ExportUserInterface& m_ui;
@@ -116,23 +109,20 @@ void SideFileWriter::WriteOrSkip(const std::string& path, const std::string& tex
   if (!platform::FileExists(path)) {
     WriteText(path, text, path);
   } else if (m_forceOverwrite) {
-    LogOverwriting(path);
+    m_ui.Report("side-file-overwritten", path);
     WriteText(path, text, path);
   } else {
     const char* prefix = platform::IsWritable(path) ? "" : "Read-Only ";
     if (m_askOverwrite && MayReplaceAfterAsking(path, prefix)) {
       ReplaceRemoved(path, text, prefix);
     } else {
-      LogSkipped(path);
+      m_ui.Report("side-file-kept", path);
     }
   }
 }
 
 bool SideFileWriter::MayReplaceAfterAsking(const std::string& path, const char* prefix) {
-  const std::string question =
-      std::string(prefix) + ".texture.txt file " + path + " already exists.\n  Overwrite file?\n";
-  const Answer answer = m_ui.ShowMessage(question.substr(0, kMaxQuestion).c_str(),
-                                         MessageKind::YesNoAll, Severity::Information);
+  const Answer answer = m_ui.Ask("side-file-exists", prefix, path);
   if (answer == Answer::YesToAll) m_forceOverwrite = true;
   if (answer == Answer::NoToAll) m_askOverwrite = false;
   return answer == Answer::Yes || answer == Answer::YesToAll;
@@ -146,15 +136,15 @@ void SideFileWriter::ReplaceRemoved(const std::string& path, const std::string& 
   const bool canRemove = platform::WhyNotWritable(newPath).empty();
   if (canRemove && !WriteText(newPath, text, path)) return;
   if (!canRemove || !platform::RemoveFile(path)) {
-    m_ui.LogWarning("Could not remove %sfile.\n", prefix);
-    LogSkipped(path);
+    m_ui.Report("side-file-not-removable", prefix, path);
+    m_ui.Report("side-file-kept", path);
     platform::RemoveFile(newPath);
     return;
   }
-  LogOverwriting(path);
+  m_ui.Report("side-file-overwritten", path);
   if (!platform::RenameOnto(newPath, path)) {
-    m_ui.LogError("Could not open texture file %s for writing.", path.c_str());
-    m_ui.LogInfo("  its text is in %s", newPath.c_str());
+    m_ui.Report("side-file-not-writable", path);
+    m_ui.Report("side-file-not-writable-text", newPath);
   }
 }
 
@@ -164,8 +154,8 @@ bool SideFileWriter::WriteText(const std::string& path, const std::string& text,
   ReplacingFile file(path, std::ios::out);
   file << text;
   if (file.Commit()) return true;
-  m_ui.LogError("Could not open texture file %s for writing.", finalPath.c_str());
-  m_ui.LogInfo("  %s", file.FailureReason().c_str());
+  m_ui.Report("side-file-not-writable", finalPath);
+  m_ui.Report("side-file-not-writable-reason", file.FailureReason(), finalPath);
   return false;
 }
 
@@ -181,10 +171,7 @@ std::string DestinationPath(const std::string& folder, const std::string& source
 std::string ComposeMaterialName(const GenericMaterial& material, const std::string& name,
                                 bool allowBillboards, ExportUserInterface& ui) {
   if (HasTypeSuffix(name)) return LowerCase(name);
-  ui.LogError(
-      "Material '%s' name is invalid.  Materials should be named and have a 'm.' material type "
-      "suffix.",
-      name.c_str());
+  ui.Report("material-type-missing", name);
   return LowerCase(name) + "m." + TypeSuffix(material, allowBillboards);
 }
 
@@ -222,9 +209,8 @@ bool CopyTextures(const std::vector<std::string>& names, const std::string& fold
     if (!platform::CopyOneFile(source, destination, noQuestions, silent)) failed.push_back(source);
   }
   if (failed.empty()) return true;
-  ui.LogError("The following %d file(s) failed to copy or could not be located:",
-              static_cast<int>(failed.size()));
-  for (const std::string& name : failed) ui.LogInfo("  %s", name.c_str());
+  ui.Report("texture-copy-failed", failed.size());
+  for (const std::string& name : failed) ui.Report("texture-copy-failed-name", name);
   return false;
 }
 

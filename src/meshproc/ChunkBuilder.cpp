@@ -129,7 +129,7 @@ bool FinishChunks(const GenericMesh& mesh, std::vector<ChunkDraft>& drafts,
   chunks.reserve(drafts.size());
   for (ChunkDraft& draft : drafts) {
     if (!FinishChunk(mesh, draft, chunks.emplace_back())) {
-      ui.LogError("Index out of range, chunk too large. (Should have been split earlier)");
+      ui.Report("index-out-of-range");
       return false;
     }
     draft = ChunkDraft();

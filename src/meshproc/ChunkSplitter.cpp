@@ -206,8 +206,7 @@ void SplitToLimits(std::vector<ChunkDraft>& drafts, const GenericMeshInfluence* 
   const size_t boneCount = influence != nullptr ? influence->m_bones.size() : 0;
   for (ChunkDraft& parent : parents) Split(std::move(parent), bones, boneCount, limits, drafts);
   if (drafts.size() != oldCount) {
-    ui.LogWarning("Mesh limits exceeded, %d chunks split into %d chunks.",
-                  static_cast<int>(oldCount), static_cast<int>(drafts.size()));
+    ui.Report("chunks-split", oldCount, drafts.size());
   }
 }
 

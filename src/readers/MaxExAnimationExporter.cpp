@@ -31,7 +31,7 @@ bool MaxExAnimationExporter::ExportAnimation(Interface* host, const char* output
   MaxExGenericSkeleton skeleton(BonesAmong(m_nodes.Nodes()));
   if (!options.m_exportGeometry) skeleton.ReportStrayRoots(ui);
   if (!skeleton.m_root) {
-    ui.LogWarning("No bones to export animation");
+    ui.Report("bones-missing");
     return false;
   }
   AnimationHeader header;

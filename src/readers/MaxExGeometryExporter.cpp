@@ -7,7 +7,6 @@
 #include "formats/IndexedMeshWriter.h"
 #include "meshproc/ExIndexedMesh.h"
 #include "options/Options.h"
-#include "platform/Platform.h"
 #include "readers/MaxExInfluence.h"
 #include "readers/MaxExScene.h"
 #include "scene/MeshMerger.h"
@@ -78,10 +77,7 @@ bool BuildIndexedMesh(ExIndexedMesh& indexed, const GenericMesh& mesh, const Opt
   if (indexed.BuildChunks(mesh, options.m_buildNeighbourInfo, options.m_useDefaultColors, ui)) {
     return true;
   }
-  ui.LogError(
-      "Failed to create indexed mesh.  Check vertex and face counts.\n"
-      "Vertex count = %d Index count = %d (Max Verts 65535)",
-      static_cast<int>(mesh.m_positions.size()), static_cast<int>(3 * mesh.m_faces.size()));
+  ui.Report("mesh-too-large", mesh.m_positions.size(), 3 * mesh.m_faces.size());
   return false;
 }
 
@@ -102,7 +98,7 @@ bool MaxExGeometryExporter::ExportGeometry(Interface* host, const char* outputFi
   const float scale = static_cast<float>(GetMasterScale(kMetres));
   SceneContent scene = ReadScene(m_nodes.Nodes(), host, scale, options, ui);
   if (scene.meshes.empty()) {
-    ui.LogWarning("%s", platform::ResourceString(platform::kStringNothingToExport).c_str());
+    ui.Report("nothing-to-export");
     return true;
   }
   TransformMeshes(scene, scale, ui);

@@ -83,7 +83,7 @@ void SumWeights(IPhyBlendedRigidVertex& vertex, NodeWeights& sums) {
   }
 }
 
-void ReadWeights(IPhyVertexExport& vertex, NodeWeights& weights) {
+void ReadWeights(IPhyVertexExport& vertex, INode* node, NodeWeights& weights) {
   switch (vertex.GetVertexType()) {
     case RIGID_TYPE:
       weights.assign(1, {static_cast<IPhyRigidVertex&>(vertex).GetNode(), 1.0f});
@@ -93,7 +93,7 @@ void ReadWeights(IPhyVertexExport& vertex, NodeWeights& weights) {
       SumWeights(static_cast<IPhyBlendedRigidVertex&>(vertex), weights);
       break;
     default:
-      throw "Unsupported vertex type encountered in physique export";
+      throw MakeFinding("skin-vertex-not-rigid", node->GetName());
   }
 }
 
@@ -124,7 +124,7 @@ MaxExGenericMeshInfluence::MaxExGenericMeshInfluence(Modifier* physique, const M
   for (int i = 0; i < vertexCount; ++i) {
     IPhyVertexExport* const vertex = context->GetVertexInterface(i);
     if (!vertex) continue;
-    ReadWeights(*vertex, weights);
+    ReadWeights(*vertex, node, weights);
     const Point3 world = mesh.verts[i] * toWorld;
     for (const auto& [bone, weight] : weights) {
       collector.Add(static_cast<uint32_t>(i), world, bone, weight);

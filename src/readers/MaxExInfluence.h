@@ -5,6 +5,7 @@
 #include "inode.h"
 #include "mesh.h"
 #include "object.h"
+#include "report/Messages.h"
 #include "scene/GenericInfluence.h"
 
 namespace orv {
@@ -19,7 +20,7 @@ class MaxExGenericBoneInfluence : public GenericBoneInfluence {
 // name them, weights as the host has them.
 class MaxExGenericMeshInfluence : public ExGenericMeshInfluence {
  public:
-  // mesh: the node's, whose vertices the modifier knows by their numbers. Throws a C string at a
+  // mesh: the node's, whose vertices the modifier knows by their numbers. Throws a Finding at a
   // vertex that is neither rigid nor rigidly blended.
   MaxExGenericMeshInfluence(Modifier* physique, const Mesh& mesh, INode* node, float scale);
 };

@@ -5,7 +5,6 @@
 
 #include "iparamb2.h"
 #include "platform/ExString.h"
-#include "platform/Platform.h"
 #include "readers/MaxExHost.h"
 
 namespace orv {
@@ -58,27 +57,19 @@ void ReadPlacement(BitmapTex& bitmap, MaterialMap& map, TexCoordTransform& trans
   if (IParamBlock2* parameters = bitmap.GetParamBlock(0)) ReadCrop(*parameters, transform);
 }
 
-// What a message says of the map behind its text.
-std::string MapDetails(StdMat2& material, int channel, const char* meshName) {
-  return std::string(material.GetName().data()) + ",Map:" + kChannelNames[channel] +
-         ",Mesh:" + meshName;
-}
-
 // The map's bitmap, or null after a message.
 BitmapTex* UsableBitmap(StdMat2& material, int channel, const char* meshName,
                         ExportUserInterface& ui) {
   Texmap* const texmap = material.GetSubTexmap(channel);
   if (!texmap) return nullptr;
   if (texmap->ClassID() != Class_ID(BMTEX_CLASS_ID, 0)) {
-    ui.LogWarning("%s%s", platform::ResourceString(platform::kStringNonBitmapMap).c_str(),
-                  MapDetails(material, channel, meshName).c_str());
+    ui.Report("map-not-bitmap", material.GetName().data(), kChannelNames[channel], meshName);
     return nullptr;
   }
   auto* const bitmap = static_cast<BitmapTex*>(texmap);
   const TCHAR* const name = bitmap->GetMapName();
   if (!name || !*name) {
-    ui.LogError("%s%s", platform::ResourceString(platform::kStringMissingBitmapName).c_str(),
-                MapDetails(material, channel, meshName).c_str());
+    ui.Report("bitmap-name-missing", material.GetName().data(), kChannelNames[channel], meshName);
     return nullptr;
   }
   return bitmap;

@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 
-#include "platform/Platform.h"
 #include "plugapi.h"
 #include "readers/MaxExHost.h"
 #include "readers/MaxExMaterial.h"
@@ -105,10 +104,6 @@ void ReadFaces(const Mesh& mesh, const VertexNormals& normals, GenericMesh& out)
   }
 }
 
-std::string MaterialDetails(const char* nodeName, Mtl& material) {
-  return std::string(nodeName) + ",Material:" + material.GetName().data();
-}
-
 }  // namespace
 
 FillResult MaxExGenericMesh::Fill(Mesh& hostMesh, const GenericSkeleton::Node* bone, Mtl* material,
@@ -118,8 +113,7 @@ FillResult MaxExGenericMesh::Fill(Mesh& hostMesh, const GenericSkeleton::Node* b
   if (hostMesh.getNumTVerts() == 0) return FillResult::NoTextureMapping;
   const std::optional<size_t> materialCount = CountMaterials(material);
   if (!materialCount) {
-    ui.LogError("%s%s", platform::ResourceString(platform::kStringNonStandardMaterial).c_str(),
-                MaterialDetails(nodeName, *material).c_str());
+    ui.Report("material-not-standard", nodeName, material->GetName().data());
     return FillResult::NonStandardMaterial;
   }
   m_materials.resize(*materialCount);
@@ -145,9 +139,8 @@ FillResult MaxExGenericMesh::ReadMaterials(Mtl* material,
       source = index < material->NumSubMtls() ? material->GetSubMtl(index) : nullptr;
     }
     if (source && !IsStandard(*source)) {
-      ui.LogError("%s%s,SubMaterial:%s",
-                  platform::ResourceString(platform::kStringNonStandardSubMaterial).c_str(),
-                  MaterialDetails(nodeName, *material).c_str(), source->GetName().data());
+      ui.Report("sub-material-not-standard", nodeName, material->GetName().data(),
+                source->GetName().data());
       return FillResult::NonStandardSubMaterial;
     }
     ReadMaterial(m_materials[i], static_cast<StdMat2*>(source), transforms[i], nodeName,

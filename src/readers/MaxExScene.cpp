@@ -3,7 +3,6 @@
 #include <string>
 #include <utility>
 
-#include "platform/Platform.h"
 #include "readers/MaxExHost.h"
 #include "readers/MaxExInfluence.h"
 #include "triobj.h"
@@ -34,8 +33,6 @@ class ConvertedMesh {
   TriObject* m_object = nullptr;
   bool m_isOurs = false;
 };
-
-std::string Text(platform::StringId id) { return platform::ResourceString(id); }
 
 AttachmentPoint ReadAttachmentPoint(INode* node, float scale) {
   const Matrix3 pose = WithoutScale(node->GetObjTMAfterWSM(0, nullptr));
@@ -114,7 +111,7 @@ class SceneReader {
     const TCHAR* const name = node->GetName();
     Mtl* const material = node->GetMtl();
     if (!material) {
-      m_ui.LogError("%s%s", Text(platform::kStringMaterialMissing).c_str(), name);
+      m_ui.Report("material-missing", name);
       return;
     }
     SceneMesh read{std::make_unique<MaxExGenericMesh>(), {}, {}};
@@ -124,10 +121,10 @@ class SceneReader {
         m_content.meshes.push_back(std::move(read));
         break;
       case FillResult::NoTextureMapping:
-        m_ui.LogWarning("%s%s", Text(platform::kStringNoTextureMapping).c_str(), name);
+        m_ui.Report("texcoords-missing", name);
         break;
       case FillResult::NoFaces:
-        m_ui.LogWarning("%s%s", Text(platform::kStringNoFaces).c_str(), name);
+        m_ui.Report("faces-missing", name);
         break;
       case FillResult::NonStandardMaterial:
       case FillResult::NonStandardSubMaterial:

@@ -34,7 +34,7 @@ struct SceneContent {
 };
 
 // Reads the nodes; meshes that cannot be used are reported and left out. scale: metres per system
-// unit. Throws a C string where Physique weights are of a kind that cannot be exported.
+// unit. Throws a Finding where Physique weights are of a kind that cannot be exported.
 SceneContent ReadScene(std::span<INode* const> nodes, Interface* host, float scale,
                        const Options& options, ExportUserInterface& ui);
 

@@ -104,7 +104,7 @@ const Node* MaxExGenericSkeleton::FindBone(INode* node) const {
 
 void MaxExGenericSkeleton::ReportStrayRoots(ExportUserInterface& ui) const {
   for (INode* bone : m_strayRoots) {
-    ui.LogWarning("Ignoring bone - not below the first bone root:%s", bone->GetName());
+    ui.Report("bone-outside-root", bone->GetName());
   }
 }
 

@@ -1,10 +1,18 @@
-#include "ExportUserInterface.h"
+#include "report/ExportUserInterface.h"
 
 #include <cstdarg>
-
-#include "FormatText.h"
+#include <cstdio>
 
 namespace orv {
+namespace {
+
+std::string FormatText(const char* format, va_list arguments) {
+  char buffer[kMaxMessageText + 1] = "";
+  std::vsnprintf(buffer, sizeof(buffer), format, arguments);
+  return buffer;
+}
+
+}  // namespace
 
 #define ORV_LOG_FORMATTED(sink)                \
   va_list arguments;                           \
@@ -17,6 +25,17 @@ void ExportUserInterface::LogInfo(const char* format, ...) { ORV_LOG_FORMATTED(L
 void ExportUserInterface::LogWarning(const char* format, ...) { ORV_LOG_FORMATTED(LogWarningText); }
 
 void ExportUserInterface::LogError(const char* format, ...) { ORV_LOG_FORMATTED(LogErrorText); }
+
+void ExportUserInterface::Report(const Finding& finding) {
+  switch (finding.severity) {
+    case Severity::Information:
+      return LogInfo("%s", finding.text.c_str());
+    case Severity::Warning:
+      return LogWarning("%s", finding.text.c_str());
+    case Severity::Error:
+      return LogError("%s", finding.text.c_str());
+  }
+}
 
 void ExportUserInterface::CollectTexture(const std::string& fileName) {
   if (m_knownTextures.insert(fileName).second) m_textures.push_back(fileName);

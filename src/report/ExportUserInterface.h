@@ -2,8 +2,11 @@
 
 #include <cstddef>
 #include <string>
+#include <type_traits>
 #include <unordered_set>
 #include <vector>
+
+#include "report/Messages.h"
 
 #if defined(__GNUC__)
 #define ORV_PRINTF(text, first) __attribute__((format(printf, text, first)))
@@ -15,10 +18,9 @@ namespace orv {
 
 enum class Answer { None = 0, Yes = 1, YesToAll = 2, No = 3, NoToAll = 4 };
 enum class MessageKind { Message = 0, YesNo = 1, YesNoAll = 2 };
-enum class Severity { Information = 0, Warning = 1, Error = 2 };
 
-// Where every stage of an export reports to: progress, log lines and questions. Texts are 8-bit
-// and without a line end; a formatted text is cut at 1023 characters.
+// Where every stage of an export reports to: progress, messages of the catalogue and questions.
+// Texts are 8-bit and without a line end; a formatted text is cut at kMaxMessageText characters.
 class ExportUserInterface {
  public:
   virtual ~ExportUserInterface() = default;
@@ -34,6 +36,22 @@ class ExportUserInterface {
   // Before each item of a stage.
   void ReportProgress(size_t item, size_t itemCount) {
     SetProgress(static_cast<float>(item) / static_cast<float>(itemCount));
+  }
+
+  // Logs a message of the catalogue: ui.Report("faces-missing", nodeName).
+  template <typename... Arguments>
+  void Report(MessageFor<std::type_identity_t<Arguments>...> message,
+              const Arguments&... arguments) {
+    Report(MakeFinding<Arguments...>(message, arguments...));
+  }
+  void Report(const Finding& finding);
+
+  // Asks one, which may be answered for all others too.
+  template <typename... Arguments>
+  Answer Ask(MessageFor<std::type_identity_t<Arguments>...> message,
+             const Arguments&... arguments) {
+    const Finding question = MakeFinding<Arguments...>(message, arguments...);
+    return ShowMessage(question.text.c_str(), MessageKind::YesNoAll, question.severity);
   }
 
   void LogInfo(const char* format, ...) ORV_PRINTF(2, 3);

@@ -1,11 +1,9 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "report/Messages.h"
 
 namespace orv {
-
-inline constexpr char kUnhandledException[] =
-    "Unhandled exception occurred in plug-in!\nPlug-in terminated.";
 
 // Runs the body of an entry point, which no exception may leave; one that comes is shown.
 template <typename Body>
@@ -13,8 +11,8 @@ void CatchAll(Body body) {
   try {
     body();
   } catch (...) {
-    platform::ShowMessageBox(kUnhandledException, "Exception", platform::Buttons::Ok,
-                             platform::Icon::Error);
+    platform::ShowMessageBox(MakeFinding("unhandled-exception").text.c_str(), "Exception",
+                             platform::Buttons::Ok, platform::Icon::Error);
   }
 }
 

@@ -1,7 +1,6 @@
 // OrvExporter::DoExport and its steps.
 
 #include <cstdint>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,7 +14,6 @@
 #include "shell/ManageDialog.h"
 #include "shell/MaxExportUserInterface.h"
 #include "shell/OrvExporter.h"
-#include "shell/ResourceText.h"
 
 namespace orv {
 namespace {
@@ -39,21 +37,15 @@ void SeedFrameRange(Options& options, Interval range) {
   options.m_exportEndFrame = options.m_animationEndFrame;
 }
 
-void LogError(const char* text) {
-  ManageDialog::LogErrorText(std::string(text).substr(0, 1023).c_str());
-}
-
 void LogSummary() {
-  char text[1024];
-  std::snprintf(text, sizeof(text), "Export completed with %d Errors and %d Warnings.",
-                ManageDialog::s_numErrors, ManageDialog::s_numWarnings);
+  Finding summary =
+      MakeFinding("export-completed", ManageDialog::s_numErrors, ManageDialog::s_numWarnings);
   if (ManageDialog::s_numErrors > 0) {
-    ManageDialog::LogErrorText(text);
+    summary.severity = Severity::Error;
   } else if (ManageDialog::s_numWarnings > 0) {
-    ManageDialog::LogWarningText(text);
-  } else {
-    ManageDialog::LogInfoText(text);
+    summary.severity = Severity::Warning;
   }
+  ManageDialog::Log(summary);
 }
 
 // The name in full; "" when the host does not find the bitmap.
@@ -72,7 +64,7 @@ int OrvExporter::DoExport(const TCHAR* name, ExpInterface* /*ei*/, Interface* ho
   static bool s_running = false;
   if (s_running) {
     CatchAll([] {
-      platform::ShowMessageBox("An export is running, or its log is still open.", "Velmor Exporter",
+      platform::ShowMessageBox(MakeFinding("export-running").text.c_str(), "Velmor Exporter",
                                platform::Buttons::Ok, platform::Icon::Information);
     });
     return 1;
@@ -91,13 +83,15 @@ int OrvExporter::DoExport(const TCHAR* name, ExpInterface* /*ei*/, Interface* ho
 int OrvExporter::ExportAndReport(const TCHAR* name, DWORD options) {
   bool succeeded = true;
   try {
-    if (!m_geometry || !m_animation) throw kUnhandledException;
+    if (!m_geometry || !m_animation) throw MakeFinding("unhandled-exception");
     if (!LetUserChoose()) return 1;
     succeeded = RunExport(name, options);
+  } catch (const Finding& finding) {
+    ManageDialog::Log(finding);
   } catch (const char* text) {
-    LogError(text ? text : "<NULL>");
+    ManageDialog::Log(MakeFinding("export-stopped", text ? text : "<NULL>"));
   } catch (...) {
-    LogError(kUnhandledException);
+    ManageDialog::Log(MakeFinding("unhandled-exception"));
   }
   LogSummary();
   ManageDialog::WaitForUserToCloseLogWindow(OwnerWindow(m_host));
@@ -138,7 +132,7 @@ bool OrvExporter::RunExport(const TCHAR* name, DWORD options) {
   MaxExportUserInterface ui(m_host);
   ManageDialog::InitManagedResources();
   ManageDialog::OpenLogWindow(OwnerWindow(m_host));
-  ManageDialog::LogInfoText("Exporting...");
+  ManageDialog::Log(MakeFinding("export-started"));
   ui.m_enableWarnings = settings.m_enableWarnings;
   CollectNodes(options);
   if (settings.m_exportGeometry && !ExportGeometry(name, ui)) return false;
@@ -173,7 +167,7 @@ void OrvExporter::WalkNode(INode* top, bool selectedOnly) {
 
 bool OrvExporter::ExportGeometry(const TCHAR* name, ExportUserInterface& ui) {
   if (!m_geometry->ExportGeometry(m_host, OutputName(name, ".im").CStr(), ui)) {
-    LogError(ResourceText(platform::kStringUnhandledError));
+    ManageDialog::Log(MakeFinding("geometry-failed"));
     return false;
   }
   if (Options::Instance().m_collectTextures) {

@@ -19,7 +19,7 @@ FormsDialogs s_ownDialogs({
     [] { ManageDialog::LogWindowSignalsClose(); },
     [](const char* text) {
       WithoutExceptions([&] {
-        ManageDialog::LogErrorText(text);
+        ManageDialog::Log(MakeFinding("window-failed", text));
         s_ownDialogs.ShowFailure(text);
       });
     },
@@ -70,6 +70,17 @@ void ManageDialog::LogWarningText(const char* text) {
 void ManageDialog::LogErrorText(const char* text) {
   ++s_numErrors;
   s_dialogs->Log(Severity::Error, text);
+}
+
+void ManageDialog::Log(const Finding& finding) {
+  switch (finding.severity) {
+    case Severity::Information:
+      return LogInfoText(finding.text.c_str());
+    case Severity::Warning:
+      return LogWarningText(finding.text.c_str());
+    case Severity::Error:
+      return LogErrorText(finding.text.c_str());
+  }
 }
 
 ButtonResult ManageDialog::MessageBoxExt(int kind, const char* caption, const char* text) {

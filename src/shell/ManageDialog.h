@@ -28,6 +28,8 @@ class ManageDialog {
   static void LogWarningText(const char* text);
   static void LogErrorText(const char* text);
 
+  static void Log(const Finding& finding);
+
   static ButtonResult MessageBoxExt(int kind, const char* caption, const char* text);
   static bool CanPrompt();
 

@@ -47,7 +47,7 @@ MaxExportUserInterface::~MaxExportUserInterface() { m_host->ProgressEnd(); }
 
 void MaxExportUserInterface::SetProgressText(const char* text) {
   m_title = std::string(text).substr(0, kMaxTitle);
-  LogInfo("Progress: %s", m_title.c_str());
+  ManageDialog::Log(MakeFinding("stage-started", m_title));
   UpdateHostBar();
 }
 

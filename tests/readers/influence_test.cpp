@@ -64,8 +64,8 @@ TEST_F(PhysiqueTest, VerticesThatStayDeformableEndTheExport) {
   try {
     MaxExGenericMeshInfluence(physique, TriangleMesh(), &node, 1);
     ADD_FAILURE() << "nothing thrown";
-  } catch (const char* text) {
-    EXPECT_STREQ(text, "Unsupported vertex type encountered in physique export");
+  } catch (const Finding& finding) {
+    EXPECT_EQ(finding.text, "Unsupported vertex type encountered in physique export");
   }
 }
 
