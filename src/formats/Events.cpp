@@ -11,13 +11,13 @@
 #include "formats/ChunkStream.h"
 #include "formats/FileVersions.h"
 #include "platform/Platform.h"
+#include "scene/GenericSkeleton.h"
 
 namespace orv {
 
 namespace {
 
 constexpr size_t kMaxLineComment = 1024;  // characters, from the second slash on
-constexpr size_t kMaxName = 255;          // characters
 constexpr size_t kMinEntry = 11;          // characters, with the white space behind it
 constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
 
@@ -121,7 +121,7 @@ bool ReadEntry(EventText& text, std::vector<AnimationEvent>& events) {
   if (!frame) return false;
   const std::optional<uint32_t> type = TypeOf(text.ReadWord());
   const std::string_view name = text.ReadWord();
-  if (name.empty() || name.size() > kMaxName) return false;
+  if (name.empty() || name.size() > kMaxNameLength) return false;
   if (type) events.push_back({*frame, *type, std::string(name)});
   return true;
 }

@@ -20,7 +20,7 @@ inline constexpr const char* kEventKeywords[] = {
 struct AnimationEvent {
   int32_t frame = 0;  // of the scene; of the animation once read back from an animation file
   uint32_t type = 0;  // index into kEventKeywords
-  std::string name;   // what the event is about: a sound, an effect; at most 255 characters
+  std::string name;   // what the event is about: a sound, an effect; at most kMaxNameLength long
 };
 
 // Appends the events of an event file in the order in which the author wrote them; entries with an

@@ -12,7 +12,6 @@ constexpr uint32_t kOldestVersion = 100;
 constexpr uint32_t kOldestMaterialVersion = 101;
 constexpr size_t kInfoPaddingAt103 = 20;  // bytes
 constexpr uint32_t kMaxListed = 256;      // properties, maps: more than any material has
-constexpr size_t kMaxBoneName = 255;      // characters; each chunk that the bone moves has a copy
 
 // The smallest that an item can be, in bytes.
 constexpr size_t kMinChunkBytes = 124;
@@ -171,11 +170,12 @@ void ReadChunks(ChunkReader& in, uint32_t count, IndexedMeshFile& file) {
   }
 }
 
+// A longer one would be copied for each chunk that the bone moves.
 std::string ReadBoneName(ChunkReader& in) {
   std::string name = in.ReadString();
-  if (name.size() > kMaxBoneName) {
+  if (name.size() > kMaxNameLength) {
     in.Fail(ReadFault::Length, "a bone name of " + std::to_string(name.size()) +
-                                   " characters is beyond " + std::to_string(kMaxBoneName));
+                                   " characters is beyond " + std::to_string(kMaxNameLength));
   }
   return name;
 }

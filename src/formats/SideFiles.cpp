@@ -12,8 +12,6 @@ namespace orv {
 
 namespace {
 
-constexpr size_t kMaxMapFileName = 514;
-
 bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }

@@ -9,6 +9,7 @@
 #include "inode.h"
 #include "matrix3.h"
 #include "point3.h"
+#include "scene/GenericSkeleton.h"
 #include "scene/Vector.h"
 
 namespace orv {
@@ -36,8 +37,7 @@ inline Matrix3 WithoutScale(Matrix3 m) {
 
 // As much of a name as the records keep.
 inline std::string RecordName(const char* name) {
-  constexpr size_t kMaxName = 255;
-  return std::string(name ? name : "").substr(0, kMaxName);
+  return std::string(name ? name : "").substr(0, kMaxNameLength);
 }
 
 // What a node is to the export; its name and its object decide.

@@ -25,8 +25,6 @@ enum CropParameter : ParamID {
   kCropOn = 6
 };
 
-constexpr size_t kMaxMapName = 514;
-
 void ReadCrop(IParamBlock2& parameters, TexCoordTransform& transform) {
   transform.cropEnabled = parameters.GetInt(kCropOn) != 0;
   transform.cropOrigin = {parameters.GetFloat(kCropU), parameters.GetFloat(kCropV)};
@@ -79,7 +77,7 @@ MaterialMap ReadMap(StdMat2& material, int channel, BitmapTex& bitmap, bool flip
                     TexCoordTransform& transform) {
   MaterialMap map;
   map.channel = channel;
-  map.fileName = std::string(bitmap.GetMapName()).substr(0, kMaxMapName);
+  map.fileName = std::string(bitmap.GetMapName()).substr(0, kMaxMapFileName);
   map.amount = material.GetTexmapAmt(channel, 0);
   map.tileS = map.tileT = true;
   if (channel == kDiffuse) ReadPlacement(bitmap, map, transform);

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "scene/GenericSkeleton.h"
 #include "scene/Vector.h"
 
 namespace orv {
@@ -30,7 +31,7 @@ class GenericBoneInfluence {
         m_rotation(rotation) {}
   virtual ~GenericBoneInfluence() = default;
 
-  std::string m_name;        // at most 255 characters
+  std::string m_name;        // at most kMaxNameLength
   std::string m_parentName;  // empty below the scene root
   Vec3 m_position;           // relative to the parent, metres
   Matrix33 m_rotation{};     // relative to the parent

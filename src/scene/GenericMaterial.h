@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -27,12 +28,14 @@ enum MapChannel : int32_t {
   kMapChannelCount = 12
 };
 
+constexpr size_t kMaxMapFileName = 514;  // characters
+
 struct MaterialMap {
   int32_t channel = -1;
   bool tileS = false;    // along u
   bool tileT = false;    // along v
-  std::string fileName;  // at most 514 characters; once its side file is written, the name that the
-                         // engine knows the texture by
+  std::string fileName;  // at most kMaxMapFileName; once its side file is written, the name that
+                         // the engine knows the texture by
   float amount = 0;
   bool flipGreen = false;      // of a normal map
   bool alphaFromFile = false;  // the bitmap's alpha comes from the image file

@@ -60,7 +60,7 @@ class GenericFaceList {
 struct AttachmentPoint {
   Matrix33 rotation{};  // world space, without scale
   Vec3 position;        // metres
-  std::string name;     // at most 255 characters
+  std::string name;     // at most kMaxNameLength
 };
 
 // How a diffuse map's coordinate generator and cropping move texture coordinates.

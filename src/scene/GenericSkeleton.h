@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <utility>
@@ -8,6 +9,9 @@
 #include "scene/Vector.h"
 
 namespace orv {
+
+// Characters in the name of a bone, an attachment point or an event.
+constexpr size_t kMaxNameLength = 255;
 
 // A bone hierarchy. Where the transforms come from is the subclass's: the host at the current
 // sampling time, or a file. World space; positions in host units, rotations without scale.
