@@ -40,6 +40,30 @@ std::string OutputStem(const ExportArguments& arguments) {
   return stem;
 }
 
+// A folder that is made where it is asked for as a folder, and goes again when nothing was written
+// into it.
+class OutputFolder {
+ public:
+  explicit OutputFolder(const ExportArguments& arguments) {
+    if (!arguments.output.ends_with('/')) return;
+    std::error_code ignored;  // whoever writes into it says why that fails
+    std::filesystem::path folder = std::filesystem::path(arguments.output).parent_path();
+    for (; !folder.empty() && !std::filesystem::exists(folder, ignored);
+         folder = folder.parent_path()) {
+      m_made.push_back(folder);
+    }
+    if (!m_made.empty()) std::filesystem::create_directories(m_made.front(), ignored);
+  }
+  ~OutputFolder() {
+    std::error_code ignored;
+    for (const std::filesystem::path& folder : m_made) std::filesystem::remove(folder, ignored);
+  }
+  OutputFolder(const OutputFolder&) = delete;
+
+ private:
+  std::vector<std::filesystem::path> m_made;  // the innermost first
+};
+
 // A folder that is gone at the end of the run.
 class PrivateFolder {
  public:
@@ -193,6 +217,7 @@ int Export(ExportArguments& arguments) {
   const std::string stem = OutputStem(arguments);
   arguments.sceneSettings.exportFolder = FolderPart(stem);
   CheckEventFile(arguments.eventFile);
+  const OutputFolder folder(arguments);
   Terminal terminal(arguments.quiet);
   const std::unique_ptr<host::Scene> scene =
       host::OpenScene(arguments.scene, arguments.sceneSettings);

@@ -101,8 +101,8 @@ void AddExportCommand(CLI::App& app, ExportArguments& arguments) {
       ->required();
   command
       .add_option("-o,--output", arguments.output,
-                  "Name of the files to write; \".im\" or \".kin\" at its end is cut "
-                  "(default: the scene's name, in this folder)")
+                  "Name of the files to write; \".im\" or \".kin\" at its end is cut. Or a folder; "
+                  "one with \"/\" at its end is made (default: the scene's name, in this folder)")
       ->type_name("OUT");
   AddSceneOptions(command, arguments);
   AddAnimationOptions(command, arguments);
