@@ -214,6 +214,7 @@ int Conclude(const FileWatch& model, const FileWatch& animation, const TerminalD
 }
 
 int Export(ExportArguments& arguments) {
+  if (arguments.dialogs) NeedWindows();
   const std::string stem = OutputStem(arguments);
   arguments.sceneSettings.exportFolder = FolderPart(stem);
   CheckEventFile(arguments.eventFile);

@@ -42,6 +42,7 @@ int RunPluginCommand() {
 }
 
 int RunAboutCommand() {
+  NeedWindows();
   PluginLibrary library;
   const std::unique_ptr<ClassDesc> descriptor(library.LibClassDesc(0));
   const std::unique_ptr<SceneExport> exporter(static_cast<SceneExport*>(descriptor->Create()));

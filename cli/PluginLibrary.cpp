@@ -2,14 +2,22 @@
 
 #include <dlfcn.h>
 
+#include "Door.h"
+#include "dialogs/ManagedRuntime.h"
 #include "platform/ExString.h"
 #include "platform/Platform.h"
 
 namespace orv::cli {
+namespace {
+
+std::string BesideTheProgram(const char* name) {
+  return std::string(FolderPart(platform::HostExecutablePath())) + name;
+}
+
+}  // namespace
 
 PluginLibrary::PluginLibrary() {
-  const std::string program = platform::HostExecutablePath();
-  m_path = std::string(FolderPart(program)) + "OrvExporter.dle";
+  m_path = BesideTheProgram("OrvExporter.dle");
   m_library = dlopen(m_path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!m_library) throw PluginError(std::string("cannot load the plug-in: ") + dlerror());
   Find("LibDescription", LibDescription);
@@ -27,6 +35,10 @@ template <typename Function>
 void PluginLibrary::Find(const char* name, Function*& function) {
   function = reinterpret_cast<Function*>(dlsym(m_library, name));
   if (!function) throw PluginError(m_path + ": lacks the entry point " + name);
+}
+
+void NeedWindows() {
+  if (!platform::FileExists(BesideTheProgram(kDialogAssembly))) AskForGroup("dialogs");
 }
 
 }  // namespace orv::cli

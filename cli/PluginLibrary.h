@@ -37,4 +37,8 @@ class PluginLibrary {
   void* m_library = nullptr;
 };
 
+// To be called before the plug-in is to show windows of its own, which are built on demand: asks
+// the door for them when they are not there.
+void NeedWindows();
+
 }  // namespace orv::cli

@@ -2,12 +2,15 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <exception>
 #include <iostream>
 
 #include "Commands.h"
+#include "Door.h"
 #include "Suggest.h"
 
 namespace orv::cli {
@@ -194,7 +197,7 @@ bool KnowsCommand(const CLI::App& app, const std::string& word) {
 int Run(int argc, char** argv) {
   CLI::App app(kDescription, "orv");
   app.footer("Exit status of every command: 3 when standard output cannot be written.");
-  app.set_version_flag("--version", "orv 1.0.0");
+  app.set_version_flag("--version", "orv " ORV_VERSION);
   ExportArguments arguments;
   AddExportCommand(app, arguments);
   InspectArguments inspectArguments;
@@ -233,6 +236,11 @@ int main(int argc, char** argv) {
     const int status = orv::cli::Run(argc, argv);
     if (std::cout.flush() && !std::ferror(stdout)) return status;
     std::cerr << "orv: standard output cannot be written\n";
+    return orv::cli::kStatusFileMissing;
+  } catch (const orv::cli::MissingGroup& missing) {
+    orv::cli::StartDoor(missing, argv);
+    std::cerr << "orv: cannot be started again with the group " << missing.name << ": "
+              << std::strerror(errno) << '\n';
     return orv::cli::kStatusFileMissing;
   } catch (const std::exception& error) {
     std::cerr << "orv: " << error.what() << '\n';

@@ -2,6 +2,12 @@
 
 fail() { printf '%s\n' "$*" >&2; exit 2; }
 
+# needs_of preset|test REGEX: what needs.txt says of those whose names match, one word per line.
+needs_of() {
+  awk -v kind="$1" -v name="$2" \
+    '$1 == kind && $2 ~ name { for (i = 3; i <= NF; i++) print $i }' "$root/tools/needs.txt"
+}
+
 # The packages of the given groups, one per line.
 packages_of() {
   local group
@@ -35,15 +41,22 @@ install_groups() {
     { tail -n 15 "$log" >&2; fail "Installing failed; the whole log is build/install.log"; }
 }
 
-# build PRESET TARGET...: configures and builds; prints only the log's end, and only on failure.
-# Options for the configure step go into the array configure_options.
+# build PRESET [-DOPTION...] [TARGET...]: installs what the preset needs, configures and builds;
+# prints only the log's end, and only on failure.
 build() {
-  local preset=$1 log="$root/build/$1.log" targets=()
+  local preset=$1 log="$root/build/$1.log" options=() targets=() word
   shift
-  [ $# -gt 0 ] && targets=(--target "$@")
+  for word in "$@"; do
+    case "$word" in
+      -D*) options+=("$word") ;;
+      *) targets+=("$word") ;;
+    esac
+  done
+  [ ${#targets[@]} -gt 0 ] && targets=(--target "${targets[@]}")
+  install_groups $(needs_of preset "^$preset\$")
   mkdir -p "$root/build"
   echo "Building ($preset, log: build/$preset.log)" >&2
-  (cd "$root" && cmake --preset "$preset" "${configure_options[@]}" &&
+  (cd "$root" && cmake --preset "$preset" "${options[@]}" &&
     cmake --build --preset "$preset" "${targets[@]}") >"$log" 2>&1 ||
     { tail -n 40 "$log" >&2; fail "Building failed; the whole log is build/$preset.log"; }
 }

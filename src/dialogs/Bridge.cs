@@ -7,7 +7,6 @@ using System.Runtime.InteropServices;
 using System.Windows.Forms;
 
 [assembly: AssemblyTitle("Windows of the Velmor exporter")]
-[assembly: AssemblyVersion("1.0.0.0")]
 
 namespace Orv.Dialogs {
 
