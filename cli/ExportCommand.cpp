@@ -1,5 +1,3 @@
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
@@ -83,35 +81,6 @@ class PrivateFolder {
   std::string m_path;
 };
 
-// Tells whether a file has been written since: a new one has another inode or another time.
-class FileWatch {
- public:
-  explicit FileWatch(std::string path) : m_path(std::move(path)), m_before(Look()) {}
-  const std::string& Path() const { return m_path; }
-  std::optional<uintmax_t> SizeWhenWritten() const {
-    const State now = Look();
-    if (!now.exists || now == m_before) return std::nullopt;
-    return now.size;
-  }
-
- private:
-  struct State {
-    bool exists = false;
-    uintmax_t inode = 0, size = 0;
-    int64_t seconds = 0, nanoseconds = 0;
-    bool operator==(const State&) const = default;
-  };
-  State Look() const {
-    struct stat status {};
-    if (stat(m_path.c_str(), &status) != 0) return {};
-    return {true, status.st_ino, static_cast<uintmax_t>(status.st_size), status.st_mtim.tv_sec,
-            status.st_mtim.tv_nsec};
-  }
-
-  std::string m_path;
-  State m_before;
-};
-
 // Which files are asked for is up to this command line alone, whatever an earlier run has left;
 // unless there are windows in which the user can change it again.
 void ApplyTo(Options& options, const ExportArguments& arguments) {
@@ -160,20 +129,14 @@ void RunPlugin(host::Scene& scene, const std::string& name, const ExportArgument
   exporter->DoExport(name.c_str(), nullptr, &memoryHost, FALSE, 0);
 }
 
-bool HasLine(const std::vector<std::string>& lines, const std::string& text) {
-  return std::find(lines.begin(), lines.end(), text) != lines.end();
-}
-
-// Why a file is missing, from what the export said; a new sentence for the cases that need one.
-std::string WhyMissing(const std::string& path, const std::vector<std::string>& lines) {
-  const std::string failure = "Could not write " + path + ": ";
-  for (const std::string& line : lines)
-    if (line.starts_with(failure)) return line.substr(failure.size());
-  if (path.ends_with(".kin") && HasLine(lines, "No bones to export animation")) {
+// A sentence for the cases that need one.
+std::string WhyMissing(const OutputFile& file) {
+  if (!file.systemWhy.empty()) return file.systemWhy;
+  if (file.why == CodeOf("bones-missing")) {
     return "the scene has no bones. Bones are nodes whose names begin with \"b.\"; see also "
            "--joints-as-bones and --no-animation";
   }
-  if (path.ends_with(".im") && HasLine(lines, "Export cancelled - nothing to export"))
+  if (file.why == CodeOf("nothing-to-export"))
     return "nothing to export. The log above says why each mesh was left out";
   return "the export was stopped";
 }
@@ -188,27 +151,25 @@ bool IsSound(const std::string& path) {
 }
 
 // Says what became of each file; the exit status of the run.
-int Conclude(const FileWatch& model, const FileWatch& animation, const TerminalDialogs& dialogs,
-             const ExportArguments& arguments) {
-  if (!dialogs.Started()) {
+int Conclude(const ExportOutcome& outcome, const ExportArguments& arguments) {
+  if (!outcome.isStarted) {
     std::cerr << "orv: cancelled, nothing was written.\n";
     return kStatusFileMissing;
   }
-  int status = dialogs.ErrorCount() > 0 ? kStatusErrorsLogged : kStatusSuccess;
-  for (const auto& [file, askedFor] : {std::pair(model, dialogs.Started()->geometry),
-                                       std::pair(animation, dialogs.Started()->animation)}) {
-    if (!askedFor) continue;
-    const std::optional<uintmax_t> size = file.SizeWhenWritten();
-    if (!size) {
-      std::cerr << "orv: " << file.Path()
-                << " was not written: " << WhyMissing(file.Path(), dialogs.Lines()) << ".\n";
+  const bool hasErrors = std::ranges::any_of(
+      outcome.findings, [](const Finding& f) { return f.severity == Severity::Error; });
+  int status = hasErrors ? kStatusErrorsLogged : kStatusSuccess;
+  for (const OutputFile& file : {outcome.geometry, outcome.animation}) {
+    if (!file.isAskedFor) continue;
+    if (!file.isWritten) {
+      std::cerr << "orv: " << file.path << " was not written: " << WhyMissing(file) << ".\n";
       status = kStatusFileMissing;
       continue;
     }
-    if (!arguments.noCheck && !IsSound(file.Path())) {
+    if (!arguments.noCheck && !IsSound(file.path)) {
       status = std::max<int>(status, kStatusErrorsLogged);
     }
-    if (!arguments.quiet) std::cout << file.Path() << " (" << *size << " bytes)\n";
+    if (!arguments.quiet) std::cout << file.path << " (" << file.bytes << " bytes)\n";
   }
   return status;
 }
@@ -228,10 +189,9 @@ int Export(ExportArguments& arguments) {
   std::optional<PrivateFolder> privateSettings;
   if (arguments.settingsFolder.empty() && !arguments.dialogs)
     arguments.settingsFolder = privateSettings.emplace().Path();
-  const FileWatch model(stem + ".im"), animation(stem + ".kin");
   TerminalDialogs dialogs(terminal, [&](Options& options) { ApplyTo(options, arguments); });
   RunPlugin(*scene, stem + ".im", arguments, terminal, dialogs);
-  return Conclude(model, animation, dialogs, arguments);
+  return Conclude(dialogs.Outcome(), arguments);
 }
 
 }  // namespace

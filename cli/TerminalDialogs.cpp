@@ -5,8 +5,6 @@
 namespace orv::cli {
 namespace {
 
-bool IsSummary(const std::string& text) { return text.starts_with("Export completed with "); }
-
 ButtonResult ButtonFor(const std::string& answer) {
   const std::string word = LowerCase(answer);
   if (word == "y" || word == "yes") return ButtonResult::Yes;
@@ -20,9 +18,7 @@ ButtonResult ButtonFor(const std::string& answer) {
 
 bool TerminalDialogs::ShowOptions(int owner, Options& options) {
   m_applyCommandLine(options);
-  if (m_windows && !m_windows->ShowOptions(owner, options)) return false;
-  m_started = {options.m_exportGeometry, options.m_exportAnimation};
-  return true;
+  return !m_windows || m_windows->ShowOptions(owner, options);
 }
 
 void TerminalDialogs::Release() {
@@ -35,13 +31,12 @@ void TerminalDialogs::OpenLog(int owner) {
 
 void TerminalDialogs::Log(Severity severity, const char* text) {
   if (m_windows) m_windows->Log(severity, text);
-  if (IsSummary(text)) {
-    m_terminal.Summary(severity, text);
-    return;
-  }
-  if (severity == Severity::Error) ++m_errorCount;
-  m_lines.push_back(text);
   m_terminal.Log(severity, text);
+}
+
+void TerminalDialogs::LogSummary(Severity severity, const char* text) {
+  if (m_windows) m_windows->LogSummary(severity, text);
+  m_terminal.Summary(severity, text);
 }
 
 void TerminalDialogs::HandleMessages() {
@@ -71,6 +66,11 @@ ButtonResult TerminalDialogs::Ask(int kind, const char* caption, const char* tex
 
 bool TerminalDialogs::CanPrompt() {
   return m_windows ? m_windows->CanPrompt() : Terminal::InputIsTerminal();
+}
+
+void TerminalDialogs::ExportEnded(const ExportOutcome& outcome) {
+  if (m_windows) m_windows->ExportEnded(outcome);
+  m_outcome = outcome;
 }
 
 }  // namespace orv::cli

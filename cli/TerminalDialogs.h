@@ -1,9 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <optional>
-#include <string>
-#include <vector>
 
 #include "Terminal.h"
 #include "dialogs/ExportDialogs.h"
@@ -26,30 +23,21 @@ class TerminalDialogs : public ExportDialogs {
   bool ShowOptions(int owner, Options& options) override;
   void OpenLog(int owner) override;
   void Log(Severity severity, const char* text) override;
+  void LogSummary(Severity severity, const char* text) override;
   void HandleMessages() override;
   void WaitForLogClosed(int owner) override;
   void CloseLog() override;
   ButtonResult Ask(int kind, const char* caption, const char* text) override;
   bool CanPrompt() override;
+  void ExportEnded(const ExportOutcome& outcome) override;
 
-  // What the export was started with; nothing when the user has cancelled.
-  struct Choice {
-    bool geometry, animation;
-  };
-  const std::optional<Choice>& Started() const { return m_started; }
-
-  int ErrorCount() const { return m_errorCount; }
-
-  // All that was logged but the summary, in order.
-  const std::vector<std::string>& Lines() const { return m_lines; }
+  const ExportOutcome& Outcome() const { return m_outcome; }
 
  private:
   Terminal& m_terminal;
   std::function<void(Options&)> m_applyCommandLine;
   ExportDialogs* m_windows = nullptr;
-  std::optional<Choice> m_started;
-  int m_errorCount = 0;
-  std::vector<std::string> m_lines;
+  ExportOutcome m_outcome;
 };
 
 }  // namespace orv::cli

@@ -25,6 +25,8 @@ class ExportDialogs {
 
   virtual void OpenLog(int owner) = 0;
   virtual void Log(Severity severity, const char* text) = 0;  // one line, also without a window
+  // The last line of an export's log.
+  virtual void LogSummary(Severity severity, const char* text) { Log(severity, text); }
   // Called often during an export, for windows that would freeze otherwise.
   virtual void HandleMessages() {}
   // Returns at once when the user has closed the log already.
@@ -34,6 +36,9 @@ class ExportDialogs {
   // kind: 0 with a button to cancel, 1 without.
   virtual ButtonResult Ask(int kind, const char* caption, const char* text) = 0;
   virtual bool CanPrompt() = 0;  // false: nobody is there to answer Ask
+
+  // Comes last, once for every export, however it has ended.
+  virtual void ExportEnded(const ExportOutcome& /*outcome*/) {}
 };
 
 }  // namespace orv

@@ -23,7 +23,10 @@ binifstream::binifstream(const std::string& fileName)
     : std::ifstream(platform::NativePath(fileName), std::ios::binary) {}
 
 bool CommitOrReport(binofstream& out, ExportUserInterface& ui) {
-  if (out.Commit()) return true;
+  const auto bytes = static_cast<uint64_t>(out.tellp());
+  const bool isWritten = out.Commit();
+  ui.RecordFile(out.FileName(), isWritten, bytes, out.FailureReason());
+  if (isWritten) return true;
   ui.Report("file-not-writable", kCannotWriteFile, out.FileName());
   ui.Report("file-not-writable-reason", out.FileName(), out.FailureReason());
   return false;

@@ -27,6 +27,7 @@ void ExportUserInterface::LogWarning(const char* format, ...) { ORV_LOG_FORMATTE
 void ExportUserInterface::LogError(const char* format, ...) { ORV_LOG_FORMATTED(LogErrorText); }
 
 void ExportUserInterface::Report(const Finding& finding) {
+  if (m_outcome) m_outcome->findings.push_back(finding);
   switch (finding.severity) {
     case Severity::Information:
       return LogInfo("%s", finding.text.c_str());
@@ -34,6 +35,17 @@ void ExportUserInterface::Report(const Finding& finding) {
       return LogWarning("%s", finding.text.c_str());
     case Severity::Error:
       return LogError("%s", finding.text.c_str());
+  }
+}
+
+void ExportUserInterface::RecordFile(const std::string& path, bool isWritten, uint64_t bytes,
+                                     const std::string& systemWhy) {
+  if (!m_outcome) return;
+  for (OutputFile* file : {&m_outcome->geometry, &m_outcome->animation}) {
+    if (file->path != path) continue;
+    file->isWritten = isWritten;
+    file->bytes = isWritten ? bytes : 0;
+    file->systemWhy = systemWhy;
   }
 }
 

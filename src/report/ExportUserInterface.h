@@ -6,7 +6,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "report/Messages.h"
+#include "report/ExportOutcome.h"
 
 #if defined(__GNUC__)
 #define ORV_PRINTF(text, first) __attribute__((format(printf, text, first)))
@@ -38,7 +38,7 @@ class ExportUserInterface {
     SetProgress(static_cast<float>(item) / static_cast<float>(itemCount));
   }
 
-  // Logs a message of the catalogue: ui.Report("faces-missing", nodeName).
+  // Logs a message of the catalogue, and keeps it: ui.Report("faces-missing", nodeName).
   template <typename... Arguments>
   void Report(MessageFor<std::type_identity_t<Arguments>...> message,
               const Arguments&... arguments) {
@@ -54,6 +54,10 @@ class ExportUserInterface {
     return ShowMessage(question.text.c_str(), MessageKind::YesNoAll, question.severity);
   }
 
+  // Keeps what has become of an output file. bytes: when written; systemWhy: when not.
+  void RecordFile(const std::string& path, bool isWritten, uint64_t bytes,
+                  const std::string& systemWhy);
+
   void LogInfo(const char* format, ...) ORV_PRINTF(2, 3);
   void LogWarning(const char* format, ...) ORV_PRINTF(2, 3);
   void LogError(const char* format, ...) ORV_PRINTF(2, 3);
@@ -62,7 +66,8 @@ class ExportUserInterface {
   void CollectTexture(const std::string& fileName);
   const std::vector<std::string>& Textures() const { return m_textures; }
 
-  bool m_enableWarnings = false;  // silences warning boxes only, never log lines
+  ExportOutcome* m_outcome = nullptr;  // lent; where that is kept, null: nowhere
+  bool m_enableWarnings = false;       // silences warning boxes only, never log lines
 
  private:
   std::vector<std::string> m_textures;

@@ -156,12 +156,21 @@ constexpr MessagePlace TakePlace(std::string_view& text) {
   return place;
 }
 
+consteval const Message& FindMessage(std::string_view code) {
+  for (const Message& message : kMessages)
+    if (message.code == code) return message;
+  throw std::invalid_argument("no such message");
+}
+
+// A code to compare a finding's with. One that the catalogue lacks does not compile.
+consteval std::string_view CodeOf(std::string_view code) { return FindMessage(code).code; }
+
 // A message by its code, to be given arguments of these types. What the catalogue lacks, and
 // arguments that do not fit the places, do not compile.
 template <typename... Arguments>
 class MessageFor {
  public:
-  consteval MessageFor(const char* code) : m_message(&Find(code)) {
+  consteval MessageFor(const char* code) : m_message(&FindMessage(code)) {
     std::string_view text = m_message->text;
     (CheckPlace(TakePlace(text).name, std::is_integral_v<Arguments>), ...);
     if (!TakePlace(text).name.empty()) throw std::invalid_argument("an argument is missing");
@@ -169,11 +178,6 @@ class MessageFor {
   const Message& Get() const { return *m_message; }
 
  private:
-  static consteval const Message& Find(std::string_view code) {
-    for (const Message& message : kMessages)
-      if (message.code == code) return message;
-    throw std::invalid_argument("no such message");
-  }
   static consteval void CheckPlace(std::string_view name, bool isNumber) {
     if (name.empty()) throw std::invalid_argument("an argument too many");
     if (isNumber != (name == "number")) throw std::invalid_argument("argument of another kind");

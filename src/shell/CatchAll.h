@@ -5,14 +5,17 @@
 
 namespace orv {
 
-// Runs the body of an entry point, which no exception may leave; one that comes is shown.
+// Runs the body of an entry point, which no exception may leave; one that comes is shown, and the
+// answer is then false.
 template <typename Body>
-void CatchAll(Body body) {
+bool CatchAll(Body body) {
   try {
     body();
+    return true;
   } catch (...) {
     platform::ShowMessageBox(MakeFinding("unhandled-exception").text.c_str(), "Exception",
                              platform::Buttons::Ok, platform::Icon::Error);
+    return false;
   }
 }
 

@@ -28,6 +28,16 @@ ExString OutputName(const TCHAR* name, const char* extension) {
   return ExString(name).StripExtension().Append(extension);
 }
 
+void NoteWhatIsAsked(const TCHAR* name) {
+  const Options& settings = Options::Instance();
+  ExportOutcome& outcome = ManageDialog::s_outcome;
+  outcome.isStarted = true;
+  outcome.geometry.isAskedFor = settings.m_exportGeometry;
+  outcome.geometry.path = OutputName(name, ".im").CStr();
+  outcome.animation.isAskedFor = settings.m_exportAnimation;
+  outcome.animation.path = OutputName(name, ".kin").CStr();
+}
+
 // The frames the host's time slider spans; the dialog starts from all of them.
 void SeedFrameRange(Options& options, Interval range) {
   const int ticksPerFrame = GetTicksPerFrame();
@@ -37,15 +47,11 @@ void SeedFrameRange(Options& options, Interval range) {
   options.m_exportEndFrame = options.m_animationEndFrame;
 }
 
-void LogSummary() {
-  Finding summary =
-      MakeFinding("export-completed", ManageDialog::s_numErrors, ManageDialog::s_numWarnings);
-  if (ManageDialog::s_numErrors > 0) {
-    summary.severity = Severity::Error;
-  } else if (ManageDialog::s_numWarnings > 0) {
-    summary.severity = Severity::Warning;
-  }
-  ManageDialog::Log(summary);
+// What was reported last is what has kept the file from being written.
+void SayWhyMissing(OutputFile& file) {
+  if (!file.isAskedFor || file.isWritten || !file.why.empty()) return;
+  for (const Finding& finding : ManageDialog::s_outcome.findings)
+    if (finding.severity != Severity::Information) file.why = finding.code;
 }
 
 // The name in full; "" when the host does not find the bitmap.
@@ -72,7 +78,12 @@ int OrvExporter::DoExport(const TCHAR* name, ExpInterface* /*ei*/, Interface* ho
   s_running = true;
   m_host = host;
   int result = 1;
-  CatchAll([&] { result = ExportAndReport(name, options); });
+  ManageDialog::BeginExport();
+  ExportOutcome& outcome = ManageDialog::s_outcome;
+  if (!CatchAll([&] { result = ExportAndReport(name, options); }))
+    outcome.findings.push_back(MakeFinding("unhandled-exception"));
+  for (OutputFile* file : {&outcome.geometry, &outcome.animation}) SayWhyMissing(*file);
+  CatchAll([] { ManageDialog::EndExport(); });
   s_running = false;
   if (m_geometry) m_geometry->Clear();
   if (m_animation) m_animation->Clear();
@@ -85,15 +96,16 @@ int OrvExporter::ExportAndReport(const TCHAR* name, DWORD options) {
   try {
     if (!m_geometry || !m_animation) throw MakeFinding("unhandled-exception");
     if (!LetUserChoose()) return 1;
+    NoteWhatIsAsked(name);
     succeeded = RunExport(name, options);
   } catch (const Finding& finding) {
-    ManageDialog::Log(finding);
+    ManageDialog::Report(finding);
   } catch (const char* text) {
-    ManageDialog::Log(MakeFinding("export-stopped", text ? text : "<NULL>"));
+    ManageDialog::Report(MakeFinding("export-stopped", text ? text : "<NULL>"));
   } catch (...) {
-    ManageDialog::Log(MakeFinding("unhandled-exception"));
+    ManageDialog::Report(MakeFinding("unhandled-exception"));
   }
-  LogSummary();
+  ManageDialog::LogSummary();
   ManageDialog::WaitForUserToCloseLogWindow(OwnerWindow(m_host));
   ManageDialog::DestroyManagedResources();
   return succeeded ? 1 : 0;
@@ -133,10 +145,11 @@ bool OrvExporter::RunExport(const TCHAR* name, DWORD options) {
   ManageDialog::InitManagedResources();
   ManageDialog::OpenLogWindow(OwnerWindow(m_host));
   ManageDialog::Log(MakeFinding("export-started"));
+  ui.m_outcome = &ManageDialog::s_outcome;
   ui.m_enableWarnings = settings.m_enableWarnings;
   CollectNodes(options);
   if (settings.m_exportGeometry && !ExportGeometry(name, ui)) return false;
-  if (settings.m_exportAnimation) ExportAnimation(name, ui);
+  if (settings.m_exportAnimation) ExportAnimation(ui);
   return true;
 }
 
@@ -166,8 +179,11 @@ void OrvExporter::WalkNode(INode* top, bool selectedOnly) {
 }
 
 bool OrvExporter::ExportGeometry(const TCHAR* name, ExportUserInterface& ui) {
-  if (!m_geometry->ExportGeometry(m_host, OutputName(name, ".im").CStr(), ui)) {
-    ManageDialog::Log(MakeFinding("geometry-failed"));
+  OutputFile& file = ManageDialog::s_outcome.geometry;
+  const bool succeeded = m_geometry->ExportGeometry(m_host, file.path.c_str(), ui);
+  SayWhyMissing(file);
+  if (!succeeded) {
+    ManageDialog::Report(MakeFinding("geometry-failed"));
     return false;
   }
   if (Options::Instance().m_collectTextures) {
@@ -177,10 +193,10 @@ bool OrvExporter::ExportGeometry(const TCHAR* name, ExportUserInterface& ui) {
   return true;
 }
 
-void OrvExporter::ExportAnimation(const TCHAR* name, ExportUserInterface& ui) {
+void OrvExporter::ExportAnimation(ExportUserInterface& ui) {
   const Options& settings = Options::Instance();
-  m_animation->ExportAnimation(m_host, OutputName(name, ".kin").CStr(), settings.m_exportStartFrame,
-                               settings.m_exportEndFrame, ui);
+  m_animation->ExportAnimation(m_host, ManageDialog::s_outcome.animation.path.c_str(),
+                               settings.m_exportStartFrame, settings.m_exportEndFrame, ui);
 }
 
 }  // namespace orv

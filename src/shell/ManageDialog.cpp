@@ -19,7 +19,7 @@ FormsDialogs s_ownDialogs({
     [] { ManageDialog::LogWindowSignalsClose(); },
     [](const char* text) {
       WithoutExceptions([&] {
-        ManageDialog::Log(MakeFinding("window-failed", text));
+        ManageDialog::Report(MakeFinding("window-failed", text));
         s_ownDialogs.ShowFailure(text);
       });
     },
@@ -30,11 +30,16 @@ ExportDialogs* s_dialogs = &s_ownDialogs;
 
 int ManageDialog::s_numErrors = 0;
 int ManageDialog::s_numWarnings = 0;
+ExportOutcome ManageDialog::s_outcome;
 
 void ManageDialog::UseDialogs(ExportDialogs* dialogs) {
   s_dialogs = dialogs ? dialogs : &s_ownDialogs;
   platform::UseWindows(dialogs ? nullptr : &s_ownDialogs);
 }
+
+void ManageDialog::BeginExport() { s_outcome = {}; }
+
+void ManageDialog::EndExport() { s_dialogs->ExportEnded(s_outcome); }
 
 ExportDialogs& ManageDialog::OwnDialogs() { return s_ownDialogs; }
 
@@ -81,6 +86,19 @@ void ManageDialog::Log(const Finding& finding) {
     case Severity::Error:
       return LogErrorText(finding.text.c_str());
   }
+}
+
+void ManageDialog::Report(const Finding& finding) {
+  s_outcome.findings.push_back(finding);
+  Log(finding);
+}
+
+void ManageDialog::LogSummary() {
+  const Severity severity = s_numErrors > 0     ? Severity::Error
+                            : s_numWarnings > 0 ? Severity::Warning
+                                                : Severity::Information;
+  const Finding summary = MakeFinding("export-completed", s_numErrors, s_numWarnings);
+  s_dialogs->LogSummary(severity, summary.text.c_str());
 }
 
 ButtonResult ManageDialog::MessageBoxExt(int kind, const char* caption, const char* text) {

@@ -12,6 +12,9 @@ class ManageDialog {
   static void UseDialogs(ExportDialogs* dialogs);
   static ExportDialogs& OwnDialogs();
 
+  static void BeginExport();  // with an empty outcome
+  static void EndExport();    // hands the outcome to the dialogs
+
   static bool InitManagedResources();
   static void DestroyManagedResources();
 
@@ -29,12 +32,15 @@ class ManageDialog {
   static void LogErrorText(const char* text);
 
   static void Log(const Finding& finding);
+  static void Report(const Finding& finding);  // logs it and keeps it in the outcome
+  static void LogSummary();
 
   static ButtonResult MessageBoxExt(int kind, const char* caption, const char* text);
   static bool CanPrompt();
 
   static int s_numErrors;
   static int s_numWarnings;
+  static ExportOutcome s_outcome;  // of the export that runs, or the one that ran last
 };
 
 }  // namespace orv

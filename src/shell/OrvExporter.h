@@ -45,7 +45,7 @@ class OrvExporter : public SceneExport {
   void CollectNodes(DWORD options);
   void WalkNode(INode* top, bool selectedOnly);
   bool ExportGeometry(const TCHAR* name, ExportUserInterface& ui);
-  void ExportAnimation(const TCHAR* name, ExportUserInterface& ui);
+  void ExportAnimation(ExportUserInterface& ui);
 
   Interface* m_host = nullptr;  // not owned; set by DoExport
   std::unique_ptr<MaxExGeometryExporter> m_geometry;
