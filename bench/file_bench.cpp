@@ -10,7 +10,7 @@
 #include "GlbFile.h"
 #include "Pieces.h"
 #include "TemporaryFolder.h"
-#include "formats/IndexedMeshWriter.h"
+#include "formats/IndexedMeshFile.h"
 #include "inspect/CheckFiles.h"
 
 namespace orv::bench {
@@ -27,8 +27,7 @@ std::string WriteModel(const Model& model) {
   ExIndexedMesh built = BuildPieces(model);
   const std::string path = Folder() + "model.im";
   bool ask = false, force = true;
-  const MeshWriteSettings settings{.askOverwrite = ask, .forceOverwrite = force};
-  if (!WriteIndexedMeshFile(built, path, settings, silent)) throw std::runtime_error(path);
+  if (!WriteIndexedMeshFile(built, path, true, ask, force, silent)) throw std::runtime_error(path);
   return path;
 }
 

@@ -5,8 +5,8 @@
 
 #include "convert/GlbDocument.h"
 #include "convert/Messages.h"
-#include "formats/AnimationReader.h"
-#include "formats/IndexedMeshReader.h"
+#include "formats/AnimationFile.h"
+#include "formats/IndexedMeshFile.h"
 
 namespace orv::convert {
 

@@ -6,8 +6,8 @@
 
 #include "convert/Messages.h"
 #include "convert/Pose.h"
-#include "formats/AnimationReader.h"
-#include "formats/IndexedMeshReader.h"
+#include "formats/AnimationFile.h"
+#include "formats/IndexedMeshFile.h"
 
 namespace orv::convert {
 

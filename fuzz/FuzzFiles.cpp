@@ -11,8 +11,8 @@
 #include "Require.h"
 #include "Targets.h"
 #include "convert/Convert.h"
-#include "formats/AnimationWriter.h"
-#include "formats/IndexedMeshWriter.h"
+#include "formats/AnimationFile.h"
+#include "formats/IndexedMeshFile.h"
 #include "inspect/Checks.h"
 #include "inspect/Info.h"
 
@@ -80,8 +80,7 @@ IndexedMeshFile WrittenAndRead(IndexedMeshFile file, std::string& bytes) {
   bool ask = false, force = false;
   RecordingUserInterface ui;
   std::ostringstream out;
-  WriteIndexedMesh(out, mesh, "", {.optimise = false, .askOverwrite = ask, .forceOverwrite = force},
-                   ui);
+  WriteIndexedMesh(out, mesh, "", false, ask, force, ui);
   bytes = std::move(out).str();
   IndexedMeshFile again;
   ReadProblem problem;

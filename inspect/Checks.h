@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "formats/AnimationReader.h"
-#include "formats/IndexedMeshReader.h"
+#include "formats/AnimationFile.h"
+#include "formats/IndexedMeshFile.h"
 #include "inspect/ChunkFacts.h"
 #include "inspect/Findings.h"
 

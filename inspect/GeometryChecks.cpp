@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "formats/FileVersions.h"
+#include "formats/IndexedMeshFile.h"
 #include "inspect/Checks.h"
 #include "inspect/Measures.h"
 #include "inspect/Text.h"

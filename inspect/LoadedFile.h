@@ -4,8 +4,8 @@
 #include <string>
 #include <variant>
 
-#include "formats/AnimationReader.h"
-#include "formats/IndexedMeshReader.h"
+#include "formats/AnimationFile.h"
+#include "formats/IndexedMeshFile.h"
 
 namespace orv::inspect {
 

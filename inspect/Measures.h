@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "formats/BonePose.h"
+#include "formats/BoneTree.h"
 #include "scene/IndexedMesh.h"
 
 // Small tests that run over every number of a file.

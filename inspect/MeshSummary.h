@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "formats/IndexedMeshReader.h"
+#include "formats/IndexedMeshFile.h"
 #include "inspect/BoneOutline.h"
 #include "inspect/VertexCache.h"
 

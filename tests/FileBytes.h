@@ -1,12 +1,15 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cctype>
 #include <cstdint>
-#include <cstring>
-#include <initializer_list>
 #include <sstream>
 #include <string>
+#include <vector>
 
-// The bytes that the tests expect in a file, put together without the code under test.
+// Files as the tests write them down, without the code under test.
 namespace orv {
 
 inline std::string LittleEndian(uint32_t value) {
@@ -15,40 +18,53 @@ inline std::string LittleEndian(uint32_t value) {
   return bytes;
 }
 
-inline std::string Words(std::initializer_list<uint32_t> values) {
+// The bytes of a listing: "name" is a text, NAME a tag, 1.0 an f32, 1s a u16, any other number 32
+// bits wide; "{" stands for a length, of what follows up to its "}". "#" begins a comment.
+inline std::string FileOf(const std::string& listing) {
   std::string bytes;
-  for (const uint32_t value : values) bytes += LittleEndian(value);
-  return bytes;
-}
-
-inline std::string Shorts(std::initializer_list<uint32_t> values) {
-  std::string bytes;
-  for (const uint32_t value : values) bytes += LittleEndian(value).substr(0, 2);
-  return bytes;
-}
-
-inline std::string Floats(std::initializer_list<float> values) {
-  std::string bytes;
-  for (const float value : values) {
-    uint32_t bits;
-    std::memcpy(&bits, &value, 4);
-    bytes += LittleEndian(bits);
+  std::vector<size_t> open;
+  std::istringstream lines(listing);
+  for (std::string line; std::getline(lines, line);) {
+    std::istringstream words(line.substr(0, line.find('#')));
+    for (std::string word; words >> word;) {
+      if (word == "{") {
+        open.push_back(bytes.size());
+        bytes += LittleEndian(0);
+      } else if (word == "}") {
+        const size_t length = bytes.size() - open.back() - 4;
+        bytes.replace(open.back(), 4, LittleEndian(static_cast<uint32_t>(length)));
+        open.pop_back();
+      } else if (word == "@") {
+        continue;
+      } else if (word.front() == '"') {
+        std::string text = word.substr(1, word.size() - 2);
+        while (text.size() % 4) text += '\0';
+        bytes += LittleEndian(static_cast<uint32_t>(text.size())) + text;
+      } else if (std::isupper(static_cast<unsigned char>(word.front()))) {
+        bytes += word;
+      } else if (word.find('.') != word.npos) {
+        bytes += LittleEndian(std::bit_cast<uint32_t>(std::stof(word)));
+      } else {
+        const auto value = static_cast<uint32_t>(std::stoll(word, nullptr, 0));
+        bytes += LittleEndian(value).substr(0, word.back() == 's' ? 2 : 4);
+      }
+    }
   }
   return bytes;
 }
 
-// A text as it stands in a chunk.
-inline std::string Text(std::string text) {
-  while (text.size() % 4) text += '\0';
-  return LittleEndian(static_cast<uint32_t>(text.size())) + text;
+// Where the "@" of a listing stands in the file, as the readers say it; "" without one.
+inline std::string PlaceIn(const std::string& listing) {
+  if (listing.find('@') == listing.npos) return "";
+  const size_t offset = FileOf(listing.substr(0, listing.find('@'))).size();
+  return " (at byte " + std::to_string(offset) + ")";
 }
 
-inline std::string Chunk(const std::string& tag, uint32_t version, const std::string& body = "") {
-  return tag + LittleEndian(static_cast<uint32_t>(4 + body.size())) + LittleEndian(version) + body;
-}
-
-inline std::string Root(const std::string& fileType, const std::string& chunks) {
-  return "QIRF" + LittleEndian(static_cast<uint32_t>(4 + chunks.size())) + fileType + chunks;
+// The listing with one place of it changed: what is changed stands in it once.
+inline std::string Edited(std::string listing, const std::string& from, const std::string& to) {
+  const size_t at = listing.find(from);
+  EXPECT_TRUE(at != listing.npos && listing.find(from, at + 1) == listing.npos) << from;
+  return listing.replace(at, from.size(), to);
 }
 
 // What a function writes to its stream.

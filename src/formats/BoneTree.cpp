@@ -3,12 +3,12 @@
 #include <stack>
 
 #include "formats/ChunkStream.h"
-#include "formats/FileVersions.h"
 
 namespace orv {
 
 namespace {
 
+constexpr uint32_t kBoneVersion = 100;
 constexpr size_t kMinBoneBytes = 20;  // tag, length, version, empty name, no children
 
 // A bone whose children are being read.

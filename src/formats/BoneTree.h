@@ -5,11 +5,20 @@
 #include <string>
 #include <vector>
 
-#include "formats/BonePose.h"
 #include "formats/ChunkReader.h"
 #include "scene/GenericSkeleton.h"
+#include "scene/Vector.h"
 
 namespace orv {
+
+inline constexpr uint32_t kSkeletonVersion = 100;
+
+// Where a bone is: the record of both file types, 28 bytes.
+struct BonePose {
+  Vec3 position;
+  Quaternion rotation;
+};
+static_assert(sizeof(BonePose) == 28);
 
 // A bone read from a file. The bones are in depth-first order, a parent before its children.
 struct BoneNode {

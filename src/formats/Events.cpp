@@ -8,8 +8,6 @@
 #include <string_view>
 #include <utility>
 
-#include "formats/ChunkStream.h"
-#include "formats/FileVersions.h"
 #include "platform/Platform.h"
 #include "scene/GenericSkeleton.h"
 
@@ -149,21 +147,6 @@ std::vector<AnimationEvent> ReadEventFile(const std::string& fileName, ExportUse
     ui.Report("event-file-malformed", fileName, *line);
   }
   return events;
-}
-
-void WriteEvents(std::ostream& out, std::span<const AnimationEvent> events, int32_t firstFrame,
-                 int32_t lastFrame) {
-  ChunkScope evnt(out, "EVNT", kEventsVersion);
-  const CountPosition position = BeginCount(out);
-  uint32_t count = 0;
-  for (const AnimationEvent& event : events) {
-    if (event.frame < firstFrame || event.frame > lastFrame) continue;
-    WriteU32(out, static_cast<uint32_t>(event.frame) - static_cast<uint32_t>(firstFrame));
-    WriteU32(out, event.type);
-    WriteString(out, event.name);
-    ++count;
-  }
-  PatchCount(out, position, count);
 }
 
 }  // namespace orv

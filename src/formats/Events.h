@@ -32,8 +32,4 @@ std::optional<int> ReadEvents(std::istream& in, std::vector<AnimationEvent>& eve
 // warned about.
 std::vector<AnimationEvent> ReadEventFile(const std::string& fileName, ExportUserInterface& ui);
 
-// "EVNT": the events from the first to the last frame, both included, counted from the first.
-void WriteEvents(std::ostream& out, std::span<const AnimationEvent> events, int32_t firstFrame,
-                 int32_t lastFrame);
-
 }  // namespace orv

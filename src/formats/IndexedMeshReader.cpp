@@ -1,8 +1,4 @@
-#include "formats/IndexedMeshReader.h"
-
-#include <bit>
-
-#include "formats/FileVersions.h"
+#include "formats/IndexedMeshFile.h"
 
 namespace orv {
 
@@ -14,7 +10,7 @@ constexpr size_t kInfoPaddingAt103 = 20;  // bytes
 constexpr uint32_t kMaxListed = 256;      // properties, maps: more than any material has
 
 // The smallest that an item can be, in bytes.
-constexpr size_t kMinChunkBytes = 124;
+constexpr size_t kMinMeshChunkBytes = 124;
 constexpr size_t kMinPropertyBytes = 8;
 constexpr size_t kMinMapBytes = 12;
 constexpr size_t kVertexBytes = 20 + 12;   // with its normal
@@ -24,7 +20,7 @@ constexpr size_t kMinMatchBytes = 8;
 constexpr size_t kWeightBytes = 20;
 constexpr size_t kMinAttachmentBytes = 52;
 
-// Returns the chunk count.
+// Returns the number of mesh chunks.
 uint32_t ReadInfo(ChunkReader& in, IndexedMeshFile& file) {
   const uint32_t version = in.EnterChunk("INFO", kOldestVersion, kMeshInfoVersion);
   in.ReadBlock(file.mesh.vector.data(), 12, 4);
@@ -148,9 +144,10 @@ void ReadNeighbours(ChunkReader& in, IndexedMesh::Chunk& chunk) {
   in.LeaveChunk();
 }
 
-void ReadChunk(ChunkReader& in, uint32_t number, IndexedMesh::Chunk& chunk, MeshChunkInfo& info) {
+void ReadMeshChunk(ChunkReader& in, uint32_t number, IndexedMesh::Chunk& chunk,
+                   MeshChunkInfo& info) {
   const size_t start = in.Position();
-  in.EnterChunk("CHNK", kChunkVersion, kChunkVersion, number);
+  in.EnterChunk("CHNK", kMeshChunkVersion, kMeshChunkVersion, number);
   info.index = in.ReadU32();
   ReadMaterial(in, chunk.material);
   ReadGeometry(in, chunk, info);
@@ -159,12 +156,12 @@ void ReadChunk(ChunkReader& in, uint32_t number, IndexedMesh::Chunk& chunk, Mesh
   info.fileSize = in.Position() - start;
 }
 
-void ReadChunks(ChunkReader& in, uint32_t count, IndexedMeshFile& file) {
-  in.RequireRoom("chunk", count, kMinChunkBytes);
+void ReadMeshChunks(ChunkReader& in, uint32_t count, IndexedMeshFile& file) {
+  in.RequireRoom("chunk", count, kMinMeshChunkBytes);
   file.mesh.chunks.resize(count);
   file.chunks.resize(count);
   for (uint32_t i = 0; i < count; ++i) {
-    ReadChunk(in, i, file.mesh.chunks[i], file.chunks[i]);
+    ReadMeshChunk(in, i, file.mesh.chunks[i], file.chunks[i]);
     file.vertexCount += file.mesh.chunks[i].vertices.size();
     file.triangleCount += file.mesh.chunks[i].triangles.size();
   }
@@ -231,7 +228,7 @@ void TryReadAttachments(ChunkReader& in, std::vector<AttachmentPoint>& points) {
 void ReadFile(ChunkReader& in, IndexedMeshFile& file) {
   in.EnterRoot("IDXM");
   const uint32_t chunkCount = ReadInfo(in, file);
-  ReadChunks(in, chunkCount, file);
+  ReadMeshChunks(in, chunkCount, file);
   if (!TryReadInfluences(in, file.mesh)) TryReadSkeleton(in, file);
   TryReadAttachments(in, file.mesh.attachmentPoints);
   in.LeaveRoot();

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "formats/AnimationWriter.h"
+#include "formats/AnimationFile.h"
 #include "formats/Events.h"
 #include "options/Options.h"
 #include "platform/ExString.h"

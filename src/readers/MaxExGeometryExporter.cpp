@@ -4,7 +4,7 @@
 #include <span>
 #include <utility>
 
-#include "formats/IndexedMeshWriter.h"
+#include "formats/IndexedMeshFile.h"
 #include "meshproc/ExIndexedMesh.h"
 #include "options/Options.h"
 #include "readers/MaxExInfluence.h"
@@ -81,15 +81,6 @@ bool BuildIndexedMesh(ExIndexedMesh& indexed, const GenericMesh& mesh, const Opt
   return false;
 }
 
-bool WriteIndexedMesh(ExIndexedMesh& indexed, const char* outputFileName, bool optimise,
-                      bool& askOverwrite, bool& forceOverwrite, ExportUserInterface& ui) {
-  const MeshWriteSettings settings{.optimise = optimise,
-                                   .allowBillboards = true,
-                                   .askOverwrite = askOverwrite,
-                                   .forceOverwrite = forceOverwrite};
-  return WriteIndexedMeshFile(indexed, outputFileName, settings, ui);
-}
-
 }  // namespace
 
 bool MaxExGeometryExporter::ExportGeometry(Interface* host, const char* outputFileName,
@@ -111,8 +102,8 @@ bool MaxExGeometryExporter::ExportGeometry(Interface* host, const char* outputFi
   if (!BuildIndexedMesh(indexed, *mesh, options, ui)) return false;
   mesh.reset();  // the chunks have their own copies of it and of the weights
   scene.influences.clear();
-  return WriteIndexedMesh(indexed, outputFileName, options.m_optimise, options.m_askTxtOverwrite,
-                          options.m_forceTxtOverwrite, ui);
+  return WriteIndexedMeshFile(indexed, outputFileName, options.m_optimise,
+                              options.m_askTxtOverwrite, options.m_forceTxtOverwrite, ui);
 }
 
 }  // namespace orv

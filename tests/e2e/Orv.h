@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "Process.h"
-#include "formats/AnimationReader.h"
-#include "formats/IndexedMeshReader.h"
+#include "formats/AnimationFile.h"
+#include "formats/IndexedMeshFile.h"
 
 namespace orv {
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "formats/AnimationReader.h"
-#include "formats/IndexedMeshReader.h"
+#include "formats/AnimationFile.h"
+#include "formats/IndexedMeshFile.h"
 
 namespace orv {
 

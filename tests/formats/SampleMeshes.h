@@ -8,9 +8,8 @@
 
 #include "FileBytes.h"
 #include "RecordingUserInterface.h"
-#include "formats/AnimationWriter.h"
-#include "formats/IndexedMeshReader.h"
-#include "formats/IndexedMeshWriter.h"
+#include "formats/AnimationFile.h"
+#include "formats/IndexedMeshFile.h"
 
 namespace orv {
 
@@ -66,17 +65,17 @@ inline ExIndexedMesh SkinnedMesh() {
 struct WrittenMesh {
   std::string bytes;
   std::vector<std::string> log;
+  std::vector<float> progress;
 };
 
 inline WrittenMesh Written(ExIndexedMesh& mesh) {
   RecordingUserInterface ui;
   bool ask = false, force = false;
   WrittenMesh written;
-  written.bytes = BytesOf([&](std::ostream& out) {
-    WriteIndexedMesh(out, mesh, "",
-                     {.optimise = false, .askOverwrite = ask, .forceOverwrite = force}, ui);
-  });
+  written.bytes =
+      BytesOf([&](std::ostream& out) { WriteIndexedMesh(out, mesh, "", false, ask, force, ui); });
   written.log = ui.log;
+  written.progress = ui.progress;
   return written;
 }
 

@@ -1,21 +1,31 @@
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <thread>
 
 #include "FileBytes.h"
+#include "TemporaryFolder.h"
+#include "formats/ChunkReader.h"
 #include "formats/ChunkStream.h"
 
 namespace orv {
 namespace {
 
 TEST(Container, TextsArePaddedToFourBytesWithoutTerminator) {
-  const std::pair<const char*, std::string> cases[] = {
-      {"", LittleEndian(0)},
-      {"a", LittleEndian(4) + std::string("a\0\0\0", 4)},
-      {"bone", LittleEndian(4) + "bone"},
-      {"spine", LittleEndian(8) + std::string("spine\0\0\0", 8)},
-  };
-  for (const auto& [text, bytes] : cases) {
-    EXPECT_EQ(BytesOf([text = text](std::ostream& out) { WriteString(out, text); }), bytes) << text;
+  for (const std::string text : {"", "a", "bone", "spine"}) {
+    const std::string bytes = BytesOf([&](std::ostream& out) { WriteString(out, text); });
+    EXPECT_EQ(bytes, FileOf("\"" + text + "\""));
+    EXPECT_EQ(ChunkReader(bytes).ReadString(), text);
   }
+}
+
+TEST(Container, KindIsInTheFirstTwelveBytes) {
+  const std::pair<const char*, FileKind> cases[] = {{"QIRF 0 IDXM", FileKind::IndexedMesh},
+                                                    {"QIRF 9 ANIM 0", FileKind::Animation},
+                                                    {"QIRF 0 ELSE", FileKind::Unknown},
+                                                    {"ELSE 0 IDXM", FileKind::Unknown},
+                                                    {"QIRF 0", FileKind::Unknown}};
+  for (const auto& [listing, kind] : cases) EXPECT_EQ(KindOf(FileOf(listing)), kind) << listing;
 }
 
 // Takes what is written, and claims to be at the end of a file that large.
@@ -35,6 +45,25 @@ TEST(Container, ChunkBeyondTheRangeOfItsLengthFailsTheStream) {
   std::ostream out(&buffer);
   { ChunkScope chunk(out, "FRAM", 100); }
   EXPECT_TRUE(out.fail());
+}
+
+// More than one step of the reading, and something that cannot tell its size.
+TEST(Container, WholeFilesAndPipesAreRead) {
+  const TemporaryFolder folder;
+  const std::string content = std::string((size_t{2} << 20) + 1, 'x') + "end",
+                    pipe = folder.File("p");
+  std::string bytes = "before";
+  ReadProblem problem;
+  WriteContent(folder.File("a"), content);
+  EXPECT_TRUE(ReadWholeFile(folder.File("a"), bytes, problem));
+  EXPECT_TRUE(bytes == content);
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  std::thread writer([&] { WriteContent(pipe, "through a pipe"); });
+  EXPECT_TRUE(ReadWholeFile(pipe, bytes, problem)) << problem.Message();
+  writer.join();
+  EXPECT_EQ(bytes, "through a pipe");
+  EXPECT_FALSE(ReadWholeFile(folder.File("."), bytes, problem));
+  EXPECT_EQ(problem.Message(), "Is a directory");
 }
 
 }  // namespace

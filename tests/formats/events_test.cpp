@@ -75,16 +75,5 @@ TEST(Events, MalformedFilesKeepWhatCameBefore) {
   for (const auto& [text, events] : cases) EXPECT_EQ(EventsOf(text), events) << text;
 }
 
-TEST(Events, ThoseInTheRangeAreWrittenFromItsStart) {
-  const std::vector<AnimationEvent> events = {
-      {20, 1, "last"}, {9, 0, "before"}, {10, 2, "first"}, {21, 0, "after"}, {10, 3, "twin"}};
-  EXPECT_EQ(BytesOf([&](std::ostream& out) { WriteEvents(out, events, 10, 20); }),
-            Chunk("EVNT", 100,
-                  Words({3, 10, 1}) + Text("last") + Words({0, 2}) + Text("first") + Words({0, 3}) +
-                      Text("twin")));
-  EXPECT_EQ(BytesOf([&](std::ostream& out) { WriteEvents(out, {}, 0, 0); }),
-            Chunk("EVNT", 100, LittleEndian(0)));
-}
-
 }  // namespace
 }  // namespace orv

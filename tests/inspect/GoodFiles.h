@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "formats/AnimationWriter.h"
+#include "formats/AnimationFile.h"
 #include "formats/SampleMeshes.h"
 #include "inspect/Checks.h"
 

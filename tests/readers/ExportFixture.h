@@ -5,7 +5,7 @@
 #include "RecordingUserInterface.h"
 #include "SceneBuilders.h"
 #include "TemporaryFolder.h"
-#include "formats/IndexedMeshReader.h"
+#include "formats/IndexedMeshFile.h"
 #include "options/Options.h"
 #include "readers/MaxExAnimationExporter.h"
 #include "readers/MaxExGeometryExporter.h"

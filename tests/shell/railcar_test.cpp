@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "RailcarExport.h"
-#include "formats/AnimationReader.h"
-#include "formats/IndexedMeshReader.h"
+#include "formats/AnimationFile.h"
+#include "formats/IndexedMeshFile.h"
 
 namespace orv {
 namespace {

@@ -2,13 +2,18 @@
 
 #include <cstdint>
 #include <ostream>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "formats/BoneTree.h"
+#include "formats/ChunkReader.h"
 #include "formats/Events.h"
 #include "report/ExportUserInterface.h"
 #include "scene/GenericSkeleton.h"
 
+// The animation file, written and read.
 namespace orv {
 
 struct AnimationHeader {
@@ -29,5 +34,26 @@ bool WriteAnimationFile(const std::string& fileName, GenericSkeleton& skeleton,
 // The whole content of the file. Before each frame the fraction done is reported.
 void WriteAnimation(std::ostream& out, GenericSkeleton& skeleton, const AnimationHeader& header,
                     ExportUserInterface& ui);
+
+// An animation file as it was read. Numbers can be NaN, and an event's type one that has no
+// keyword.
+struct AnimationFile {
+  std::string name;
+  uint32_t frameCount = 0;
+  uint32_t frameRate = 0;              // frames per second
+  float masterScale = 0;               // metres per unit of the positions
+  std::vector<AnimationEvent> events;  // frames count from 0
+  std::vector<BoneNode> bones;
+  std::vector<BonePose> poses;  // world space; the bones of frame 0, of frame 1, ...
+  std::vector<ReadProblem> remarks;
+
+  std::span<const BonePose> Frame(size_t frame) const {
+    return std::span(poses).subspan(frame * bones.size(), bones.size());
+  }
+};
+
+// False, with the problem, when the bytes are no animation file.
+bool ReadAnimation(std::string_view bytes, AnimationFile& file, ReadProblem& problem);
+bool ReadAnimationFile(const std::string& fileName, AnimationFile& file, ReadProblem& problem);
 
 }  // namespace orv
