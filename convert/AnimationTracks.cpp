@@ -1,4 +1,4 @@
-#include "convert/AnimationTracks.h"
+#include "convert/Parts.h"
 
 #include <cmath>
 #include <iterator>
@@ -62,7 +62,7 @@ Keys KeysOf(const std::vector<Pose>& poses, size_t trackCount, size_t track, int
     // Of the two quaternions of a rotation the one nearer to the last key, so that what is between
     // the keys takes the short way in every viewer.
     Rotation& q = local.rotation;
-    if (q.x * last.x + q.y * last.y + q.z * last.z + q.w * last.w < 0) {
+    if (Dot(q, last) < 0) {
       q = {-q.x, -q.y, -q.z, -q.w};
     }
     last = q;

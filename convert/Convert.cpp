@@ -4,19 +4,15 @@
 #include <cmath>
 #include <map>
 
-#include "convert/AnimationTracks.h"
-#include "convert/Materials.h"
-#include "convert/MeshParts.h"
-#include "convert/SceneBones.h"
-#include "convert/SkinWeights.h"
+#include "convert/Parts.h"
 #include "platform/ExString.h"
 
 namespace orv::convert {
 
 namespace {
 
-constexpr size_t kMostBones =
-    65535;  // numbered with 16 bits, and one is kept for what stands still
+// Numbered with 16 bits, and one is kept for what stands still.
+constexpr size_t kMostBones = 65535;
 
 void Place(Json& node, const Pose& pose) {
   const auto narrow = [](double value) { return static_cast<float>(value); };
@@ -83,18 +79,18 @@ class SceneBuilder {
     }
   }
 
-  using BonesByName = std::unordered_map<std::string, size_t>;  // names in lower case
+  using BoneNumbers = std::unordered_map<std::string, size_t>;  // by name in lower case
 
   // The first bone of each name.
-  BonesByName ModelBones(size_t count) const {
-    BonesByName bones;
+  BoneNumbers ModelBones(size_t count) const {
+    BoneNumbers bones;
     for (size_t i = 0; i < count; ++i) {
       bones.try_emplace(LowerCase(m_bones[i].name), i);
     }
     return bones;
   }
 
-  int32_t BoneOf(size_t chunk, const BonesByName& bones) {
+  int32_t BoneOf(size_t chunk, const BoneNumbers& bones) {
     const std::string& name = m_file.chunks[chunk].boneName;
     if (name.empty()) return -1;
     if (const auto found = bones.find(LowerCase(name)); found != bones.end())
@@ -106,15 +102,15 @@ class SceneBuilder {
 
   void AddPrimitives() {
     SkinWeights skin(ModelBones(m_skinBoneCount), static_cast<uint16_t>(m_skinBoneCount));
-    const BonesByName rigid = ModelBones(m_skinBoneCount == 0 ? m_modelBoneCount : 0);
+    const BoneNumbers rigid = ModelBones(m_skinBoneCount == 0 ? m_modelBoneCount : 0);
     for (size_t i = 0; i < m_mesh.chunks.size(); ++i) {
-      ChunkWeights weights;
-      if (m_skinBoneCount > 0) weights = skin.Of(m_mesh, i, m_messages);
+      VertexJoints joints;
+      if (m_skinBoneCount > 0) joints = skin.Of(m_mesh, i, m_messages);
       std::optional<Json> primitive =
-          AddPrimitive(m_document, m_mesh.chunks[i], i, weights, m_messages);
+          AddPrimitive(m_document, m_mesh.chunks[i], i, joints, m_messages);
       if (!primitive) continue;
       (*primitive)["material"] = MaterialNumber(m_mesh.chunks[i].material);
-      m_parts[{BoneOf(i, rigid), !weights.empty()}].push_back(std::move(*primitive));
+      m_parts[{BoneOf(i, rigid), !joints.empty()}].push_back(std::move(*primitive));
     }
     if (!skin.NeedsStillJoint()) return;
     m_stillBone = m_bones.size();

@@ -1,11 +1,16 @@
-#include "convert/Materials.h"
+#include "convert/Parts.h"
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
+
+#include "platform/ExString.h"
 
 namespace orv::convert {
 
 namespace {
+
+constexpr uint32_t kClampToEdge = 33071, kRepeat = 10497;
 
 float Within01(float value, bool& isGood) {
   if (std::isfinite(value)) return std::clamp(value, 0.0f, 1.0f);
@@ -40,10 +45,95 @@ Json ExtrasOf(const GenericMaterial& material, bool& isGood) {
   return extras;
 }
 
-// In a material of this type the alpha says how much it reflects, not what is seen through it.
-bool AlphaIsGloss(const std::string& name) { return name.find("m.gloss") != std::string::npos; }
-
 }  // namespace
+
+Textures::Textures(const std::string& folder, GlbDocument& document, Messages& messages)
+    : m_folder(folder), m_document(document), m_messages(messages) {}
+
+std::optional<Texture> Textures::Find(const std::string& name) {
+  const auto [known, isNew] = m_made.try_emplace(LowerCase(MapName(name)));
+  if (isNew) known->second = Make(MapName(name));
+  return known->second;
+}
+
+std::optional<Texture> Textures::Make(const std::string& name) {
+  SideFile sideFile;
+  sideFile.primary = name;
+  sideFile.tileS = sideFile.tileT = true;
+  if (IsTextureName(name)) {
+    const std::optional<SideFile> read = FindSideFile(SideFileName(name));
+    if (!read) return std::nullopt;
+    sideFile = *read;
+  }
+  const std::optional<size_t> image = ImageOf(sideFile);
+  if (!image) return std::nullopt;
+  const size_t texture =
+      m_document.Add("textures", {{"sampler", SamplerOf(sideFile)}, {"source", *image}});
+  return Texture{texture, sideFile.alpha.has_value()};
+}
+
+std::optional<SideFile> Textures::FindSideFile(const std::string& name) {
+  const std::filesystem::path* const path = m_folder.Find(name);
+  if (!path) {
+    m_messages.mended.push_back(name + ": is not beside the model, its texture is left out");
+    return std::nullopt;
+  }
+  const SideFile sideFile = ReadSideFile(*path);
+  if (!sideFile.primary.empty()) return sideFile;
+  m_messages.mended.push_back(name + ": has no line \"Primary=\", its texture is left out");
+  return std::nullopt;
+}
+
+std::optional<size_t> Textures::ImageOf(const SideFile& sideFile) {
+  const bool isOwnAlpha = sideFile.alpha && EqualIgnoringCase(*sideFile.alpha, sideFile.primary);
+  const std::string alphaName = isOwnAlpha ? "" : sideFile.alpha.value_or("");
+  const auto [known, isNew] =
+      m_images.try_emplace({LowerCase(sideFile.primary), LowerCase(alphaName)});
+  if (!isNew) return known->second;
+  const std::optional<std::string> bytes = ReadBeside(sideFile.primary);
+  if (!bytes) return std::nullopt;
+  std::optional<std::string> alphaBytes;
+  if (!alphaName.empty()) alphaBytes = ReadBeside(alphaName);
+  std::optional<Picture> picture;
+  std::string reason = "is no picture that can be read";
+  try {
+    picture = alphaBytes ? WithAlphaOf(*bytes, sideFile.primary, *alphaBytes, alphaName)
+                         : PictureFrom(*bytes, sideFile.primary);
+  } catch (const std::runtime_error& error) {
+    reason = error.what();
+  }
+  if (!picture) {
+    m_messages.mended.push_back(sideFile.primary + ": " + reason + ", left out");
+    return std::nullopt;
+  }
+  std::string name(BaseNamePart(sideFile.primary));
+  if (alphaBytes) name += "-" + std::string(BaseNamePart(alphaName));
+  known->second = m_document.AddImage(picture->bytes, picture->mimeType, name);
+  return known->second;
+}
+
+std::optional<std::string> Textures::ReadBeside(const std::string& name) {
+  const std::filesystem::path* const path = m_folder.Find(name);
+  if (!path) {
+    m_messages.mended.push_back(name + ": is not beside the model, left out");
+    return std::nullopt;
+  }
+  std::string bytes;
+  ReadProblem problem;
+  if (ReadWholeFile(path->string(), bytes, problem)) return bytes;
+  m_messages.mended.push_back(name + ": " + problem.text + ", left out");
+  return std::nullopt;
+}
+
+size_t Textures::SamplerOf(const SideFile& sideFile) {
+  const auto [known, isNew] = m_samplers.try_emplace({sideFile.tileS, sideFile.tileT});
+  if (isNew) {
+    known->second =
+        m_document.Add("samplers", {{"wrapS", sideFile.tileS ? kRepeat : kClampToEdge},
+                                    {"wrapT", sideFile.tileT ? kRepeat : kClampToEdge}});
+  }
+  return known->second;
+}
 
 Json MaterialOf(const GenericMaterial& material, Textures& textures, Messages& messages) {
   const auto textureOf = [&](int32_t channel) -> std::optional<Texture> {

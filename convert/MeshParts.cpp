@@ -1,15 +1,62 @@
-#include "convert/MeshParts.h"
+#include "convert/Parts.h"
 
 #include <algorithm>
 #include <cmath>
 
-#include "convert/Pose.h"
+#include "platform/ExString.h"
 
 namespace orv::convert {
 
 namespace {
 
-bool IsFinite(Vec3 v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
+constexpr size_t kJointsPerSet = 4;
+constexpr size_t kMostJoints = 16;  // of a vertex: four sets
+
+// How many were found, for one message each.
+struct Faults {
+  size_t off = 0, bad = 0, twice = 0, unequal = 0, tooMany = 0, still = 0;
+};
+
+void Tell(const Faults& faults, size_t chunk, Messages& messages) {
+  const std::string place = "chunk " + std::to_string(chunk);
+  messages.Mended(place, faults.off, "weights of vertices that it lacks left out");
+  messages.Mended(place, faults.bad, "weights below 0 or not finite left out");
+  messages.Mended(place, faults.twice, "vertices follow a bone twice, weights added up");
+  messages.Mended(place, faults.tooMany, "vertices follow more than 16 bones, the strongest kept");
+  messages.Mended(place, faults.unequal, "vertices with weights that do not sum to 1, scaled");
+  messages.Mended(place, faults.still, "vertices follow no bone, bound to one that stands still");
+}
+
+// Adds up what one joint has twice. Returns whether there was such a joint.
+bool MergeJoints(std::vector<JointWeight>& weights) {
+  std::stable_sort(weights.begin(), weights.end(),
+                   [](const auto& a, const auto& b) { return a.joint < b.joint; });
+  size_t kept = 0;
+  for (size_t i = 0; i < weights.size(); ++i) {
+    if (kept > 0 && weights[kept - 1].joint == weights[i].joint) {
+      weights[kept - 1].weight += weights[i].weight;
+    } else {
+      weights[kept++] = weights[i];
+    }
+  }
+  const bool merged = kept < weights.size();
+  weights.resize(kept);
+  return merged;
+}
+
+void Normalise(std::vector<JointWeight>& weights, Faults& faults) {
+  std::stable_sort(weights.begin(), weights.end(),
+                   [](const auto& a, const auto& b) { return a.weight > b.weight; });
+  double all = 0, sum = 0;
+  for (const JointWeight& entry : weights) all += entry.weight;
+  if (std::abs(all - 1) > 1e-4) ++faults.unequal;
+  if (weights.size() > kMostJoints) {
+    ++faults.tooMany;
+    weights.resize(kMostJoints);
+  }
+  for (const JointWeight& entry : weights) sum += entry.weight;
+  for (JointWeight& entry : weights) entry.weight = static_cast<float>(entry.weight / sum);
+}
 
 bool IsUnit(Vec3 v) { return IsFinite(v) && std::abs(Length(v) - 1) <= 1e-3f; }
 
@@ -35,7 +82,7 @@ class PrimitiveBuilder {
         m_messages(messages),
         m_place("chunk " + std::to_string(number)) {}
 
-  std::optional<Json> Build(const ChunkWeights& weights) {
+  std::optional<Json> Build(const VertexJoints& joints) {
     const std::vector<uint32_t> indices = Indices();
     if (indices.empty()) {
       m_messages.mended.push_back(m_place + ": has no triangles, left out");
@@ -45,7 +92,7 @@ class PrimitiveBuilder {
     AddNormals();
     if (m_chunk.tangents.size() == Count()) AddTangents();
     AddTextureCoordinates();
-    if (!weights.empty()) AddWeights(weights);
+    if (!joints.empty()) AddJoints(joints);
     // 65535 is not allowed as a short index.
     const size_t accessor = m_document.AddIndices(indices, Count() <= UINT16_MAX);
     return Json{{"attributes", m_attributes}, {"indices", accessor}};
@@ -147,22 +194,22 @@ class PrimitiveBuilder {
     AddAttribute("TEXCOORD_0", values, "VEC2");
   }
 
-  void AddWeights(const ChunkWeights& weights) {
+  void AddJoints(const VertexJoints& jointsOfVertex) {
     size_t most = 0;
-    for (const auto& entries : weights) most = std::max(most, entries.size());
+    for (const auto& entries : jointsOfVertex) most = std::max(most, entries.size());
     for (size_t first = 0; first < most; first += kJointsPerSet) {
       std::vector<uint16_t> joints;
-      std::vector<float> values;
-      for (const auto& entries : weights) {
+      std::vector<float> weights;
+      for (const auto& entries : jointsOfVertex) {
         for (size_t i = first; i < first + kJointsPerSet; ++i) {
           const JointWeight entry = i < entries.size() ? entries[i] : JointWeight{};
           joints.push_back(entry.joint);
-          values.push_back(entry.weight);
+          weights.push_back(entry.weight);
         }
       }
       const std::string set = std::to_string(first / kJointsPerSet);
       m_attributes["JOINTS_" + set] = m_document.AddShorts(joints, Count(), "VEC4", Use::Vertices);
-      AddAttribute(("WEIGHTS_" + set).c_str(), values, "VEC4");
+      AddAttribute(("WEIGHTS_" + set).c_str(), weights, "VEC4");
     }
   }
 
@@ -176,9 +223,40 @@ class PrimitiveBuilder {
 
 }  // namespace
 
+VertexJoints SkinWeights::Of(const IndexedMesh& mesh, size_t chunk, Messages& messages) {
+  Faults faults;
+  VertexJoints weights(mesh.chunks[chunk].vertices.size());
+  bool any = false;
+  for (const auto& bone : mesh.influences[chunk]->m_bones) {
+    const auto joint = static_cast<uint16_t>(m_joints.at(LowerCase(bone->m_name)));
+    for (const VertexWeight& entry : bone->m_weights) {
+      const bool isOn = entry.vertex < weights.size();
+      const bool isGood = std::isfinite(entry.weight) && entry.weight >= 0;
+      if (!isOn) ++faults.off;
+      if (isOn && !isGood) ++faults.bad;
+      if (!isOn || !isGood || entry.weight < 1e-12f) continue;
+      weights[entry.vertex].push_back({joint, entry.weight});
+      any = true;
+    }
+  }
+  if (!any) weights.clear();
+  for (std::vector<JointWeight>& entries : weights) {
+    if (entries.empty()) {
+      ++faults.still;
+      m_needsStillJoint = true;
+      entries.push_back({m_stillJoint, 1});
+      continue;
+    }
+    if (MergeJoints(entries)) ++faults.twice;
+    Normalise(entries, faults);
+  }
+  Tell(faults, chunk, messages);
+  return weights;
+}
+
 std::optional<Json> AddPrimitive(GlbDocument& document, const IndexedMesh::Chunk& chunk,
-                                 size_t number, const ChunkWeights& weights, Messages& messages) {
-  return PrimitiveBuilder(document, chunk, number, messages).Build(weights);
+                                 size_t number, const VertexJoints& joints, Messages& messages) {
+  return PrimitiveBuilder(document, chunk, number, messages).Build(joints);
 }
 
 }  // namespace orv::convert

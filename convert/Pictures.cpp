@@ -1,4 +1,4 @@
-#include "convert/Pictures.h"
+#include "convert/Parts.h"
 
 #include <FreeImage.h>
 #include <dlfcn.h>

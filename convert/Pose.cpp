@@ -1,5 +1,6 @@
 #include "convert/Pose.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace orv::convert {
@@ -9,26 +10,17 @@ namespace {
 // Metres. Sums of what is nearer still fit into a float.
 constexpr double kFarthest = 1e30;
 
-Rotation Product(const Rotation& a, const Rotation& b) {  // b first
-  return {
-      a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y, a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x,
-      a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w, a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z};
-}
-
-Double3 Turned(const Rotation& q, const Double3& v) {
-  const Double3 t{2 * (q.y * v.z - q.z * v.y), 2 * (q.z * v.x - q.x * v.z),
-                  2 * (q.x * v.y - q.y * v.x)};
+Double3 Turned(Rotation q, Double3 v) {
+  const Double3 t = Cross(Double3{q.x, q.y, q.z}, v) * 2;
   return {v.x + q.w * t.x + q.y * t.z - q.z * t.y, v.y + q.w * t.y + q.z * t.x - q.x * t.z,
           v.z + q.w * t.z + q.x * t.y - q.y * t.x};
 }
 
 std::optional<Rotation> Unit(Rotation q) {
-  const double length = std::sqrt(q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w);
+  const double length = Length(q);
   if (!std::isfinite(length) || length < 1e-6) return std::nullopt;
   return Rotation{q.x / length, q.y / length, q.z / length, q.w / length};
 }
-
-bool IsFinite(Vec3 v) { return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z); }
 
 // From the rows of a rotation that turns row vectors; right-hand rule, z up. The largest of the
 // four divides, so that none of them loses its digits.
@@ -48,25 +40,44 @@ std::optional<Pose> MakePose(Vec3 position, const Rotation& zUp, double scale, b
   const std::optional<Rotation> unit = Unit({zUp.x, zUp.z, -zUp.y, zUp.w});
   const Vec3 p = YUp(position);
   if (!unit || !(Length(p) * scale < kFarthest)) return std::nullopt;
-  return Pose{*unit, {p.x * scale, p.y * scale, p.z * scale}, mirrored};
+  return Pose{*unit, Double3{p.x, p.y, p.z} * scale, mirrored};
+}
+
+// Three right-angled directions along the triangle a, b, c.
+Matrix33 FrameOf(Vec3 a, Vec3 b, Vec3 c) {
+  const Vec3 x = (b - a) * (1 / Length(b - a));
+  const Vec3 normal = Cross(x, c - a);
+  const Vec3 z = normal * (1 / Length(normal));
+  return {x, Cross(z, x), z};
+}
+
+float DistanceFromLine(Vec3 p, Vec3 a, Vec3 direction) { return Length(Cross(p - a, direction)); }
+
+template <typename Measure>
+const PointPair& FarthestBy(const std::vector<PointPair>& pairs, Measure measure) {
+  return *std::max_element(pairs.begin(), pairs.end(), [&](const PointPair& a, const PointPair& b) {
+    return measure(a) < measure(b);
+  });
+}
+
+bool Agrees(const std::vector<PointPair>& pairs, const Matrix33& rotation, Vec3 position,
+            float tolerance) {
+  return std::all_of(pairs.begin(), pairs.end(), [&](const PointPair& pair) {
+    return Length(pair.local * rotation + position - pair.world) <= tolerance;
+  });
 }
 
 }  // namespace
 
 Pose Compose(const Pose& parent, const Pose& local) {
-  const double sign = parent.mirrored ? -1 : 1;
   const Double3 offset = Turned(parent.rotation, local.position);
-  return {Product(parent.rotation, local.rotation),
-          {parent.position.x + sign * offset.x, parent.position.y + sign * offset.y,
-           parent.position.z + sign * offset.z},
+  return {parent.rotation * local.rotation, parent.position + offset * (parent.mirrored ? -1 : 1),
           parent.mirrored != local.mirrored};
 }
 
 Pose Inverse(const Pose& pose) {
-  const Rotation back{-pose.rotation.x, -pose.rotation.y, -pose.rotation.z, pose.rotation.w};
-  const Double3 moved = Turned(back, pose.position);
-  const double sign = pose.mirrored ? 1 : -1;
-  return {back, {sign * moved.x, sign * moved.y, sign * moved.z}, pose.mirrored};
+  const Rotation back = Conjugate(pose.rotation);
+  return {back, Turned(back, pose.position) * (pose.mirrored ? 1 : -1), pose.mirrored};
 }
 
 // The files' quaternions follow the left-hand rule.
@@ -85,6 +96,29 @@ std::optional<Pose> PoseFrom(Vec3 position, const Matrix33& rotation) {
     rows[i] = {sign * rotation[i].x, sign * rotation[i].y, sign * rotation[i].z};
   }
   return MakePose(position, FromRows(rows), 1, determinant < 0);
+}
+
+std::optional<Pose> PoseFrom(const std::vector<PointPair>& pairs) {
+  if (pairs.size() < 3) return std::nullopt;
+  const PointPair& a = pairs.front();
+  const PointPair& b =
+      FarthestBy(pairs, [&](const PointPair& p) { return Length(p.world - a.world); });
+  const float size = Length(b.world - a.world);
+  const Vec3 line = (b.world - a.world) * (1 / size);
+  const PointPair& c = FarthestBy(
+      pairs, [&](const PointPair& p) { return DistanceFromLine(p.world, a.world, line); });
+  if (!(size > 0) || !(DistanceFromLine(c.world, a.world, line) > 1e-3f * size)) {
+    return std::nullopt;
+  }
+  const Matrix33 toFrame = Transpose(FrameOf(a.local, b.local, c.local));
+  Matrix33 world = FrameOf(a.world, b.world, c.world);
+  for (int attempt = 0; attempt < 2; ++attempt) {
+    const Matrix33 rotation = {toFrame[0] * world, toFrame[1] * world, toFrame[2] * world};
+    const Vec3 position = a.world - a.local * rotation;
+    if (Agrees(pairs, rotation, position, 1e-3f * size)) return PoseFrom(position, rotation);
+    world[2] = world[2] * -1;  // a mirrored bone
+  }
+  return std::nullopt;
 }
 
 std::array<float, 16> MatrixOf(const Pose& pose) {

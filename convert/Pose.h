@@ -2,6 +2,7 @@
 
 #include <array>
 #include <optional>
+#include <vector>
 
 #include "scene/Vector.h"
 
@@ -11,14 +12,8 @@ namespace orv::convert {
 // every node's own space, an unturned node stays unturned.
 constexpr Vec3 YUp(Vec3 v) { return {v.x, v.z, -v.y}; }
 
-struct Double3 {
-  double x = 0, y = 0, z = 0;
-};
-
-// A unit quaternion of the right-hand rule, as glTF has it.
-struct Rotation {
-  double x = 0, y = 0, z = 0, w = 1;
-};
+using Double3 = BasicVec3<double>;
+using Rotation = BasicQuaternion<double>;  // unit, of the right-hand rule, as glTF has it
 
 // Where a node is, with y up: a point is mirrored at the origin if need be, turned, then moved.
 struct Pose {
@@ -35,6 +30,14 @@ Pose Inverse(const Pose& pose);
 // scale: metres per unit of the position.
 std::optional<Pose> PoseFrom(Vec3 position, Quaternion rotation, double scale);
 std::optional<Pose> PoseFrom(Vec3 position, const Matrix33& rotation);
+
+// A point, metres, z up, where it is in the world and in a bone's space.
+struct PointPair {
+  Vec3 world, local;
+};
+
+// Where in the world the bone is. Nothing when the points lie on one line or do not agree.
+std::optional<Pose> PoseFrom(const std::vector<PointPair>& pairs);
 
 // Column by column. Of a pose that is not mirrored.
 std::array<float, 16> MatrixOf(const Pose& pose);

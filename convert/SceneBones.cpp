@@ -1,16 +1,21 @@
-#include "convert/SceneBones.h"
+#include "convert/Parts.h"
 
 #include <optional>
 #include <unordered_map>
 
-#include "convert/BoneRest.h"
 #include "platform/ExString.h"
 
 namespace orv::convert {
 
 namespace {
 
-struct SkinBone {
+// The entries of one bone, one for each chunk that lists it, or more.
+struct BoneEntry {
+  size_t chunk = 0;
+  const GenericBoneInfluence* bone = nullptr;  // not owned
+};
+
+struct TreeBone {
   const GenericBoneInfluence* header = nullptr;
   std::vector<BoneEntry> entries;
   int32_t parent = -1;
@@ -25,7 +30,7 @@ class SkinTree {
  public:
   SkinTree(const IndexedMesh& mesh, Messages& messages) : m_mesh(mesh), m_messages(messages) {
     CollectBones();
-    for (SkinBone& bone : m_bones) ReadHeader(bone);
+    for (TreeBone& bone : m_bones) ReadHeader(bone);
     CutCircles();
   }
 
@@ -36,14 +41,14 @@ class SkinTree {
     for (size_t i = 0; i < m_bones.size(); ++i) {
       if (m_bones[i].parent < 0) PlaceTop(m_bones[i], fromVertices[i], fromAnimation);
     }
-    for (SkinBone& bone : m_bones) {
+    for (TreeBone& bone : m_bones) {
       if (bone.parent >= 0) bone.world = Compose(m_bones[*bone.top].world, bone.belowTop);
     }
   }
 
   std::vector<SceneBone> Result() const {
     std::vector<SceneBone> result;
-    for (const SkinBone& bone : m_bones) {
+    for (const TreeBone& bone : m_bones) {
       Pose rest = bone.world;
       rest.mirrored = false;  // the animation's quaternions cannot mirror either
       result.push_back({bone.header->m_name, bone.parent, rest, -1});
@@ -62,7 +67,7 @@ class SkinTree {
     }
   }
 
-  void ReadHeader(SkinBone& bone) {
+  void ReadHeader(TreeBone& bone) {
     const GenericBoneInfluence& header = *bone.header;
     if (!header.m_parentName.empty()) {
       const auto parent = m_byName.find(LowerCase(header.m_parentName));
@@ -103,8 +108,8 @@ class SkinTree {
     }
     if (!m_bones[at].top) m_bones[at].top = at;
     for (; !below.empty(); below.pop_back()) {
-      SkinBone& next = m_bones[below.back()];
-      const SkinBone& parent = m_bones[static_cast<size_t>(next.parent)];
+      TreeBone& next = m_bones[below.back()];
+      const TreeBone& parent = m_bones[static_cast<size_t>(next.parent)];
       next.top = parent.top;
       next.belowTop = Compose(parent.belowTop, next.local);
     }
@@ -114,13 +119,26 @@ class SkinTree {
   // that shows it put them.
   std::vector<std::optional<Pose>> TopsFromVertices() const {
     std::vector<std::optional<Pose>> tops(m_bones.size());
-    for (const SkinBone& bone : m_bones) {
+    for (const TreeBone& bone : m_bones) {
       if (!m_bones[*bone.top].parentMissing || tops[*bone.top]) continue;
-      if (const std::optional<Pose> rest = RestFromVertices(m_mesh, bone.entries)) {
+      if (const std::optional<Pose> rest = PoseFrom(VerticesOf(bone))) {
         tops[*bone.top] = Compose(*rest, Inverse(bone.belowTop));
       }
     }
     return tops;
+  }
+
+  // The vertices that follow the bone: they are stored in the world's space and in the bone's.
+  std::vector<PointPair> VerticesOf(const TreeBone& bone) const {
+    std::vector<PointPair> pairs;
+    for (const BoneEntry& entry : bone.entries) {
+      const auto& vertices = m_mesh.chunks[entry.chunk].vertices;
+      for (const VertexWeight& weight : entry.bone->m_weights) {
+        if (weight.vertex >= vertices.size()) continue;
+        pairs.push_back({vertices[weight.vertex].Position(), weight.offset});
+      }
+    }
+    return pairs;
   }
 
   using PosesByName = std::unordered_map<std::string, Pose>;  // names in lower case
@@ -137,7 +155,7 @@ class SkinTree {
     return poses;
   }
 
-  void PlaceTop(SkinBone& bone, const std::optional<Pose>& fromVertices,
+  void PlaceTop(TreeBone& bone, const std::optional<Pose>& fromVertices,
                 const PosesByName& fromAnimation) {
     bone.world = bone.local;
     if (!bone.parentMissing) return;
@@ -157,14 +175,14 @@ class SkinTree {
 
   const IndexedMesh& m_mesh;
   Messages& m_messages;
-  std::vector<SkinBone> m_bones;
+  std::vector<TreeBone> m_bones;
   std::unordered_map<std::string, size_t> m_byName;
 };
 
 // The bones of a name, in their order, each given out once.
-class BonesByName {
+class UntakenBones {
  public:
-  explicit BonesByName(const std::vector<SceneBone>& bones) {
+  explicit UntakenBones(const std::vector<SceneBone>& bones) {
     for (size_t i = bones.size(); i-- > 0;) m_left[LowerCase(bones[i].name)].push_back(i);
   }
 
@@ -209,7 +227,7 @@ std::vector<SceneBone> SkinBones(const IndexedMesh& mesh, const AnimationFile* a
 
 void JoinAnimation(const AnimationFile& animation, double metresPerUnit,
                    std::vector<SceneBone>& bones, Messages& messages) {
-  BonesByName known(bones);
+  UntakenBones known(bones);
   const bool hadBones = !bones.empty();
   size_t added = 0;
   std::vector<size_t> placeOfTrack;

@@ -3,7 +3,6 @@
 #include <unordered_set>
 
 #include "inspect/Checks.h"
-#include "inspect/Measures.h"
 #include "inspect/Text.h"
 #include "platform/ExString.h"
 
@@ -56,7 +55,7 @@ void CheckPoses(const AnimationFile& file, Findings& findings) {
       nonFinite.Add([&] { return "the place" + where() + " is not a finite number"; });
     } else if (!IsUnit(pose.rotation)) {
       notUnit.Add([&] {
-        return "the rotation" + where() + " is " + Number(LengthOf(pose.rotation)) +
+        return "the rotation" + where() + " is " + Number(Length(pose.rotation)) +
                " long instead of 1";
       });
     }

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <cmath>
 #include <string>
 
 #include "formats/AnimationFile.h"
 #include "formats/IndexedMeshFile.h"
-#include "inspect/ChunkFacts.h"
 #include "inspect/Findings.h"
+#include "inspect/MeshFacts.h"
 
 namespace orv::inspect {
 
@@ -31,7 +32,22 @@ void CheckWeightStructure(const IndexedMeshFile& file, const std::vector<VertexU
                           const std::vector<ChunkWeights>& weights, Findings& findings);
 void CheckWeightContent(const IndexedMeshFile& file, Findings& findings);
 
-// Helpers of the checks
+inline constexpr float kUnitTolerance = 1e-3f;
+
+// The tests that run over every number of a file.
+inline bool IsUnit(Vec3 v) { return std::abs(Dot(v, v) - 1) <= 2 * kUnitTolerance; }
+inline bool IsUnit(Quaternion q) { return std::abs(Length(q) - 1) <= kUnitTolerance; }
+inline bool IsFinite(const Matrix33& m) {
+  return IsFinite(m[0]) && IsFinite(m[1]) && IsFinite(m[2]);
+}
+inline bool IsFinite(const IndexedVertex& v) {
+  return IsFinite(v.Position()) && std::isfinite(v.u) && std::isfinite(v.v);
+}
+inline bool IsFinite(const BonePose& pose) {
+  const Quaternion& q = pose.rotation;
+  return IsFinite(pose.position) && IsFinite(Vec3{q.x, q.y, q.z}) && std::isfinite(q.w);
+}
+
 Place PlaceInChunk(const IndexedMeshFile& file, size_t chunk, const char* tag);
 Place PlaceOfWeights(const IndexedMeshFile& file, size_t chunk);
 void CheckRemarks(const std::vector<ReadProblem>& remarks, Findings& findings);

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <unordered_map>
 #include <unordered_set>
 
+#include "formats/SideFiles.h"
 #include "inspect/Checks.h"
 #include "inspect/Info.h"
 #include "inspect/Text.h"
@@ -17,23 +19,6 @@ constexpr float kFarTexCoord = 32;  // repetitions of the picture
 constexpr double kFlat = 1e-6;      // height by longest edge of a triangle that is a line
 constexpr float kLargeSize = 100;   // metres
 constexpr float kSmallSize = 0.01f;
-
-struct MaterialType {
-  const char* name;
-  int32_t channel;  // of the map that it shows; -1: none
-};
-
-constexpr MaterialType kMaterialTypes[] = {
-    {"notex", -1},          {"onetex", kDiffuse},       {"reflect", kReflection},
-    {"gloss", kReflection}, {"tribillboard", kDiffuse}, {"billboard", kDiffuse},
-    {"tbump", kBump}};
-
-const MaterialType* FindType(std::string_view word) {
-  const auto found =
-      std::find_if(std::begin(kMaterialTypes), std::end(kMaterialTypes),
-                   [&](const MaterialType& type) { return EqualIgnoringCase(type.name, word); });
-  return found == std::end(kMaterialTypes) ? nullptr : found;
-}
 
 std::vector<std::string> SplitAtDots(std::string_view text) {
   std::vector<std::string> words{""};
@@ -53,7 +38,7 @@ bool IsLetterOrDigit(char c) {
 
 void CheckTypeWord(const GenericMaterial& material, const std::string& word, const Place& place,
                    Findings& findings) {
-  const MaterialType* const type = FindType(word);
+  const MaterialType* const type = FindMaterialType(word);
   if (!type) {
     findings.push_back(
         {Code::MaterialTypeUnknown, place, "\"" + word + "\" is no known material type"});
@@ -64,21 +49,21 @@ void CheckTypeWord(const GenericMaterial& material, const std::string& word, con
   }
 }
 
-// What stands after the last "m." is the type; the exporter puts it behind a name without one.
+// The exporter puts a type right behind a name without one.
 void CheckMaterialType(const IndexedMeshFile& file, size_t number, Findings& findings) {
   const GenericMaterial& material = file.mesh.chunks[number].material;
   const Place place = PlaceInChunk(file, number, "MATL");
-  const size_t at = material.name.rfind("m.");
-  if (at == std::string::npos) {
+  const std::optional<std::string_view> type = TypeSuffixOf(material.name);
+  if (!type) {
     findings.push_back(
         {Code::MaterialTypeMissing, place, "the material's name has no type after \"m.\""});
     return;
   }
-  const std::string type = material.name.substr(at + 2);
-  for (const std::string& word : SplitAtDots(type)) CheckTypeWord(material, word, place, findings);
-  if (at == 0 || IsLetterOrDigit(material.name[at - 1])) {
-    findings.push_back(
-        {Code::MaterialTypeChosen, place, "the exporter seems to have chosen the type " + type});
+  for (const std::string& word : SplitAtDots(*type)) CheckTypeWord(material, word, place, findings);
+  const size_t mark = material.name.size() - type->size() - 2;  // where "m." begins
+  if (mark == 0 || IsLetterOrDigit(material.name[mark - 1])) {
+    findings.push_back({Code::MaterialTypeChosen, place,
+                        "the exporter seems to have chosen the type " + std::string(*type)});
   }
 }
 
@@ -114,28 +99,17 @@ void CheckSizeOfChunk(const IndexedMeshFile& file, size_t number, Findings& find
   }
 }
 
+using Point = BasicVec3<double>;
+
 bool IsFlat(const IndexedMesh::Chunk& chunk, const Triangle& triangle) {
-  double p[3][3];
-  for (size_t c = 0; c < 3; ++c) {
-    const IndexedVertex& v = chunk.vertices[triangle[c]];
-    p[c][0] = double{v.x};
-    p[c][1] = double{v.y};
-    p[c][2] = double{v.z};
-  }
-  double longest = 0, cross = 0;  // both squared
-  for (size_t c = 0; c < 3; ++c) {
-    double edge = 0;
-    for (size_t k = 0; k < 3; ++k)
-      edge += (p[(c + 1) % 3][k] - p[c][k]) * (p[(c + 1) % 3][k] - p[c][k]);
-    longest = std::max(longest, edge);
-  }
-  for (size_t k = 0; k < 3; ++k) {
-    const size_t i = (k + 1) % 3, j = (k + 2) % 3;
-    const double part =
-        (p[1][i] - p[0][i]) * (p[2][j] - p[0][j]) - (p[1][j] - p[0][j]) * (p[2][i] - p[0][i]);
-    cross += part * part;
-  }
-  return std::sqrt(cross) <= kFlat * longest;
+  const auto corner = [&](size_t number) {
+    const IndexedVertex& v = chunk.vertices[triangle[number]];
+    return Point{double{v.x}, double{v.y}, double{v.z}};
+  };
+  const Point side = corner(1) - corner(0), next = corner(2) - corner(1),
+              last = corner(2) - corner(0);
+  const double longest = std::max({Dot(side, side), Dot(next, next), Dot(last, last)});  // squared
+  return Length(Cross(side, last)) <= kFlat * longest;
 }
 
 void CheckTriangles(const IndexedMeshFile& file, size_t number, Findings& findings) {
@@ -193,6 +167,58 @@ void CheckAttachmentNames(const IndexedMesh& mesh, Findings& findings) {
   }
 }
 
+// Collects what is missing, each file once with the number of maps that need it.
+class MissingFiles {
+ public:
+  void Add(Code code, size_t chunk, const std::string& name, const std::string& text) {
+    const auto [place, isNew] = m_places.try_emplace(
+        std::to_string(static_cast<int>(code)) + LowerCase(name), m_findings.size());
+    if (!isNew) {
+      ++m_findings[place->second].count;
+      return;
+    }
+    const std::string path = "QIRF/CHNK " + std::to_string(chunk) + "/MATL";
+    m_findings.push_back({code, {path, static_cast<int64_t>(chunk), name}, text});
+  }
+  void MoveTo(Findings& findings) {
+    for (Finding& finding : m_findings) findings.push_back(std::move(finding));
+  }
+
+ private:
+  Findings m_findings;
+  std::unordered_map<std::string, size_t> m_places;
+};
+
+void CheckPicture(const ModelFolder& folder, const std::string& name, size_t chunk,
+                  MissingFiles& missing) {
+  if (folder.Find(name)) return;
+  missing.Add(Code::TextureMissing, chunk, name, "the picture is not beside the model");
+}
+
+void CheckMap(const ModelFolder& folder, const MaterialMap& map, size_t chunk,
+              MissingFiles& missing) {
+  const std::string name = MapName(map.fileName);
+  if (!IsTextureName(name)) {
+    CheckPicture(folder, name, chunk, missing);
+    return;
+  }
+  const std::string sideFileName = SideFileName(name);
+  const std::filesystem::path* const path = folder.Find(sideFileName);
+  if (!path) {
+    missing.Add(Code::SideFileMissing, chunk, sideFileName,
+                "the file that describes the texture is not beside the model");
+    return;
+  }
+  const SideFile sideFile = ReadSideFile(*path);
+  if (sideFile.primary.empty()) {
+    missing.Add(Code::SideFileIncomplete, chunk, sideFileName,
+                "the file that describes the texture has no line \"Primary=\"");
+    return;
+  }
+  CheckPicture(folder, sideFile.primary, chunk, missing);
+  if (sideFile.alpha) CheckPicture(folder, *sideFile.alpha, chunk, missing);
+}
+
 }  // namespace
 
 void CheckContent(const IndexedMeshFile& file, Findings& findings) {
@@ -206,6 +232,15 @@ void CheckContent(const IndexedMeshFile& file, Findings& findings) {
   CheckSize(file, findings);
   CheckWeightContent(file, findings);
   CheckAttachmentNames(file.mesh, findings);
+}
+
+void CheckTextures(const IndexedMesh& mesh, const std::string& folderName, Findings& findings) {
+  const ModelFolder folder(folderName);
+  MissingFiles missing;
+  for (size_t i = 0; i < mesh.chunks.size(); ++i) {
+    for (const MaterialMap& map : mesh.chunks[i].material.maps) CheckMap(folder, map, i, missing);
+  }
+  missing.MoveTo(findings);
 }
 
 }  // namespace orv::inspect

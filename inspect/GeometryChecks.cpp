@@ -3,7 +3,6 @@
 
 #include "formats/IndexedMeshFile.h"
 #include "inspect/Checks.h"
-#include "inspect/Measures.h"
 #include "inspect/Text.h"
 
 namespace orv::inspect {
@@ -92,7 +91,7 @@ double CheckTriangles(const IndexedMesh::Chunk& chunk, Tally& nonFinite, Tally& 
 
 void CheckTangentsAreWanted(const IndexedMeshFile& file, size_t number, Findings& findings) {
   const IndexedMesh::Chunk& chunk = file.mesh.chunks[number];
-  const bool wanted = chunk.material.name.find(".tbump") != std::string::npos;
+  const bool wanted = AsksForTangents(chunk.material.name);
   const bool possible =
       file.chunks[number].geometryVersion >= kGeometryVersion && !chunk.vertices.empty();
   const Place place = PlaceInChunk(file, number, "GEOM");

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "inspect/Info.h"
-#include "inspect/MeshSummary.h"
+#include "inspect/MeshFacts.h"
 
 namespace orv::inspect {
 

@@ -2,7 +2,7 @@
 #include <iterator>
 
 #include "inspect/Info.h"
-#include "inspect/MeshSummary.h"
+#include "inspect/MeshFacts.h"
 #include "inspect/Text.h"
 
 namespace orv::inspect {

@@ -2,7 +2,6 @@
 #include <unordered_set>
 
 #include "inspect/Checks.h"
-#include "inspect/Measures.h"
 #include "inspect/Text.h"
 #include "platform/ExString.h"
 
@@ -83,7 +82,7 @@ void CheckSkeleton(const IndexedMeshFile& file, Findings& findings) {
       nonFinite.Add([&] { return "the place of bone " + name + " is not a finite number"; });
     } else if (!IsUnit(pose.rotation)) {
       notUnit.Add([&] {
-        return "the rotation of bone " + name + " is " + Number(LengthOf(pose.rotation)) +
+        return "the rotation of bone " + name + " is " + Number(Length(pose.rotation)) +
                " long instead of 1";
       });
     }

@@ -2,7 +2,6 @@
 #include <cmath>
 
 #include "inspect/Checks.h"
-#include "inspect/Measures.h"
 #include "inspect/Text.h"
 #include "meshproc/MeshLimits.h"
 

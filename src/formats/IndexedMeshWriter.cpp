@@ -116,8 +116,8 @@ void WriteGeometry(std::ostream& out, const IndexedMesh::Chunk& chunk, uint32_t 
   const auto vertexCount = static_cast<uint32_t>(chunk.vertices.size());
   const auto triangleCount = static_cast<uint32_t>(chunk.triangles.size());
   // Without vertices too: the flag is then set, and no tangent follows.
-  const bool hasTangents = chunk.material.name.find(".tbump") != std::string::npos &&
-                           chunk.tangents.size() == vertexCount;
+  const bool hasTangents =
+      AsksForTangents(chunk.material.name) && chunk.tangents.size() == vertexCount;
   const GenericSkeleton::Node* bone = chunk.material.attachmentBone;
   assert(chunk.normals.size() == vertexCount && chunk.faceNormals.size() >= triangleCount);
   assert(chunk.tangents.empty() || chunk.tangents.size() == vertexCount);

@@ -1,7 +1,9 @@
 #include "formats/SideFiles.h"
 
 #include <algorithm>
+#include <fstream>
 #include <ios>
+#include <optional>
 #include <string_view>
 
 #include "platform/ExString.h"
@@ -12,17 +14,10 @@ namespace orv {
 
 namespace {
 
+constexpr std::string_view kTexture = ".texture";  // ends the name of a texture with a side file
+
 bool Contains(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
-}
-
-// Scene files mix "\\" and "/" within one path.
-std::string MapName(const std::string& fileName) {
-  return fileName.substr(fileName.find_last_of("/\\") + 1);
-}
-
-std::string MapBaseName(const std::string& fileName) {
-  return std::string(BaseNamePart(MapName(fileName)));
 }
 
 bool AnyDiffuseMap(const GenericMaterial& material, const auto& nameTest) {
@@ -36,31 +31,36 @@ bool AnyDiffuseMap(const GenericMaterial& material, const auto& nameTest) {
 // Pinned by MaterialName.SuffixFollowsTheMaps.
 bool HasAlpha(const GenericMaterial& material) {
   return FindMap(material, kOpacity) || AnyDiffuseMap(material, [](const std::string& name) {
-           return Contains(name, ".texture") && Contains(name, "-");
+           return Contains(name, kTexture) && Contains(name, "-");
          });
 }
 
-const char* TypeSuffix(const GenericMaterial& material, bool allowBillboards) {
-  if (FindMap(material, kReflection)) return HasAlpha(material) ? "gloss" : "reflect";
+const MaterialType& ChooseType(const GenericMaterial& material, bool allowBillboards) {
+  if (FindMap(material, kReflection)) return HasAlpha(material) ? kGloss : kReflect;
   const auto diffuseNameHas = [&](const char* part) {
     return AnyDiffuseMap(material, [&](const std::string& name) { return Contains(name, part); });
   };
-  if (allowBillboards && diffuseNameHas("tb_")) return "tribillboard";
-  if (allowBillboards && diffuseNameHas("sb_")) return "billboard";
-  return FindMap(material, kDiffuse) ? "onetex" : "notex";
+  if (allowBillboards && diffuseNameHas("tb_")) return kTriBillboard;
+  if (allowBillboards && diffuseNameHas("sb_")) return kBillboard;
+  return FindMap(material, kDiffuse) ? kOneTexture : kNoTexture;
 }
 
-std::string SideFileText(const MaterialMap& primary, const MaterialMap* alpha, bool noTile) {
-  std::string text = "Primary=" + MapName(primary.fileName) + "\n";
-  if (alpha) text += "Alpha=" + MapName(alpha->fileName) + "\n";
-  if (!noTile && (primary.tileS || primary.tileT)) {
-    text += std::string("Tile=") + (primary.tileS ? "s" : "") + (primary.tileT ? "t" : "") + "\n";
-  }
-  if (primary.channel == kBump) {
-    text += "NormalMapHint=normalmap\n";
-    if (primary.flipGreen) text += "ModifyMap=flipgreen\n";
-  }
-  return text;
+// The rest of a line that begins with the key.
+std::optional<std::string> ValueOf(const std::string& line, std::string_view key) {
+  if (!BeginsWithIgnoringCase(line, key)) return std::nullopt;
+  return line.substr(key.size());
+}
+
+SideFile SideFileOf(const MaterialMap& primary, const MaterialMap* alpha) {
+  SideFile sideFile;
+  sideFile.primary = MapName(primary.fileName);
+  if (alpha) sideFile.alpha = MapName(alpha->fileName);
+  const bool mayTile = !BeginsWithIgnoringCase(sideFile.primary, "notile_");
+  sideFile.tileS = mayTile && primary.tileS;
+  sideFile.tileT = mayTile && primary.tileT;
+  sideFile.isNormalMap = primary.channel == kBump;
+  sideFile.flipGreen = primary.flipGreen;
+  return sideFile;
 }
 
 // Writes the side files of one material.
@@ -92,15 +92,12 @@ void SideFileWriter::WriteFor(MaterialMap& primary, const MaterialMap* alpha) {
   m_ui.CollectTexture(primary.fileName);
   if (alpha) m_ui.CollectTexture(alpha->fileName);
   if (!m_ui.CanPrompt()) m_askOverwrite = false;
-  if (Contains(primary.fileName, ".texture")) return;  // has its side file already
+  if (Contains(primary.fileName, kTexture)) return;  // has its side file already
 
-  const std::string base = MapBaseName(primary.fileName);
-  std::string engineName = m_folder + base;
-  if (alpha) engineName.append("-").append(MapBaseName(alpha->fileName));
-  engineName += ".texture";
-  WriteOrSkip(engineName + ".txt",
-              SideFileText(primary, alpha, BeginsWithIgnoringCase(base, "notile_")));
-  primary.fileName = engineName.substr(0, kMaxMapFileName);
+  const SideFile sideFile = SideFileOf(primary, alpha);
+  const std::string texture = m_folder + TextureName(sideFile);
+  WriteOrSkip(SideFileName(texture), TextOf(sideFile));
+  primary.fileName = texture.substr(0, kMaxMapFileName);
 }
 
 void SideFileWriter::WriteOrSkip(const std::string& path, const std::string& text) {
@@ -166,11 +163,75 @@ std::string DestinationPath(const std::string& folder, const std::string& source
 
 }  // namespace
 
+std::string MapName(std::string_view fileName) {
+  return std::string(fileName.substr(fileName.find_last_of("/\\") + 1));
+}
+
+std::string TextureName(const SideFile& sideFile) {
+  std::string name(BaseNamePart(sideFile.primary));
+  if (sideFile.alpha) name.append("-").append(BaseNamePart(*sideFile.alpha));
+  return name.append(kTexture);
+}
+
+std::string SideFileName(const std::string& textureName) { return textureName + ".txt"; }
+
+bool IsTextureName(std::string_view mapName) { return EndsWithIgnoringCase(mapName, kTexture); }
+
+std::string TextOf(const SideFile& sideFile) {
+  std::string text = "Primary=" + sideFile.primary + "\n";
+  if (sideFile.alpha) text += "Alpha=" + *sideFile.alpha + "\n";
+  if (sideFile.tileS || sideFile.tileT) {
+    text += std::string("Tile=") + (sideFile.tileS ? "s" : "") + (sideFile.tileT ? "t" : "") + "\n";
+  }
+  if (sideFile.isNormalMap) {
+    text += "NormalMapHint=normalmap\n";
+    if (sideFile.flipGreen) text += "ModifyMap=flipgreen\n";
+  }
+  return text;
+}
+
+SideFile ReadSideFile(const std::filesystem::path& path) {
+  SideFile sideFile;
+  std::ifstream in(path);
+  for (std::string line; std::getline(in, line);) {
+    const std::string text = ExString(line.c_str()).TrimWhiteSpace().CStr();
+    if (const auto value = ValueOf(text, "primary=")) sideFile.primary = MapName(*value);
+    if (const auto value = ValueOf(text, "alpha=")) {
+      sideFile.alpha = MapName(*value);
+      if (sideFile.alpha->empty()) sideFile.alpha.reset();
+    }
+    if (const auto value = ValueOf(text, "tile=")) {
+      sideFile.tileS = value->find('s') != std::string::npos;
+      sideFile.tileT = value->find('t') != std::string::npos;
+    }
+    if (ValueOf(text, "normalmaphint=normalmap")) sideFile.isNormalMap = true;
+    if (ValueOf(text, "modifymap=flipgreen")) sideFile.flipGreen = true;
+  }
+  return sideFile;
+}
+
+ModelFolder::ModelFolder(const std::string& folder) {
+  namespace fs = std::filesystem;
+  std::error_code error;
+  const fs::path native = folder.empty() ? "." : platform::NativePath(folder);
+  for (fs::directory_iterator entry(native, error), end; !error && entry != end;
+       entry.increment(error)) {
+    std::error_code unknown;
+    if (entry->is_directory(unknown)) continue;
+    m_files.emplace(LowerCase(entry->path().filename().string()), entry->path());
+  }
+}
+
+const std::filesystem::path* ModelFolder::Find(const std::string& name) const {
+  const auto found = m_files.find(LowerCase(name));
+  return found == m_files.end() ? nullptr : &found->second;
+}
+
 std::string ComposeMaterialName(const GenericMaterial& material, const std::string& name,
                                 bool allowBillboards, ExportUserInterface& ui) {
   if (HasTypeSuffix(name)) return LowerCase(name);
   ui.Report("material-type-missing", name);
-  return LowerCase(name) + "m." + TypeSuffix(material, allowBillboards);
+  return LowerCase(name) + "m." + ChooseType(material, allowBillboards).word;
 }
 
 bool WriteTextureSideFiles(GenericMaterial& material, const std::string& folder,

@@ -133,7 +133,7 @@ bool ExIndexedMesh::BuildChunks(const GenericMesh& source, bool buildNeighbourIn
 }
 
 void ExIndexedMesh::PrepareChunk(size_t chunk, bool optimise) {
-  const bool wantsTangents = chunks[chunk].material.name.find(".tbump") != std::string::npos;
+  const bool wantsTangents = AsksForTangents(chunks[chunk].material.name);
   if (!wantsTangents && !optimise) return;
   if (wantsTangents) GenerateTangents(chunk);
   OptimiseIndexOrder(chunk);

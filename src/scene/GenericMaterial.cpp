@@ -1,6 +1,7 @@
 #include "scene/GenericMaterial.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "platform/ExString.h"
 
@@ -35,7 +36,30 @@ bool HasEveryPropertyOf(const GenericMaterial& a, const GenericMaterial& b) {
 
 }  // namespace
 
-bool HasTypeSuffix(const std::string& name) { return name.find("m.") != std::string::npos; }
+const MaterialType* FindMaterialType(std::string_view word) {
+  static constexpr const MaterialType* kTypes[] = {
+      &kNoTexture, &kOneTexture, &kReflect, &kGloss, &kBillboard, &kTriBillboard, &kTangentBump};
+  const auto found =
+      std::find_if(std::begin(kTypes), std::end(kTypes),
+                   [&](const MaterialType* type) { return EqualIgnoringCase(type->word, word); });
+  return found == std::end(kTypes) ? nullptr : *found;
+}
+
+bool HasTypeSuffix(std::string_view name) { return TypeSuffixOf(name).has_value(); }
+
+std::optional<std::string_view> TypeSuffixOf(std::string_view name) {
+  const size_t at = name.rfind("m.");
+  if (at == std::string_view::npos) return std::nullopt;
+  return name.substr(at + 2);
+}
+
+bool AsksForTangents(std::string_view name) {
+  return name.find(std::string(".") + kTangentBump.word) != std::string_view::npos;
+}
+
+bool AlphaIsGloss(std::string_view name) {
+  return name.find(std::string("m.") + kGloss.word) != std::string_view::npos;
+}
 
 bool MapsEqual(const MaterialMap& a, const MaterialMap& b) {
   return a.channel == b.channel && a.amount == b.amount &&

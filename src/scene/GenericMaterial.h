@@ -2,7 +2,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -57,8 +59,29 @@ struct GenericMaterial {
   const GenericSkeleton::Node* attachmentBone = nullptr;  // not owned: whose space the mesh is in
 };
 
+// A word of a material's type, which the engine chooses the shader by. The type stands in the name
+// after "m.", its words joined by dots: "rail m.onetex.tbump".
+struct MaterialType {
+  const char* word;
+  int32_t channel;  // of the map that it shows; -1: none
+};
+inline constexpr MaterialType kNoTexture{"notex", -1};
+inline constexpr MaterialType kOneTexture{"onetex", kDiffuse};
+inline constexpr MaterialType kReflect{"reflect", kReflection};
+inline constexpr MaterialType kGloss{"gloss", kReflection};  // the alpha says where it reflects
+inline constexpr MaterialType kBillboard{"billboard", kDiffuse};
+inline constexpr MaterialType kTriBillboard{"tribillboard", kDiffuse};
+inline constexpr MaterialType kTangentBump{"tbump", kBump};  // asks for tangents
+
+// The word's entry, whatever its case, or null.
+const MaterialType* FindMaterialType(std::string_view word);
+
 // Whether a material name says its type itself.
-bool HasTypeSuffix(const std::string& name);
+bool HasTypeSuffix(std::string_view name);
+// What stands after the name's last "m."; nothing without one.
+std::optional<std::string_view> TypeSuffixOf(std::string_view name);
+bool AsksForTangents(std::string_view name);
+bool AlphaIsGloss(std::string_view name);
 
 const MaterialMap* FindMap(const GenericMaterial& material, int32_t channel);  // the first, or null
 

@@ -14,14 +14,6 @@ Vec3 Matrix43::TransformVector(Vec3 v) const {
   return rows[0] * v.x + rows[1] * v.y + rows[2] * v.z;
 }
 
-Quaternion Conjugate(Quaternion q) { return {-q.x, -q.y, -q.z, q.w}; }
-
-Quaternion operator*(Quaternion a, Quaternion b) {
-  return {
-      a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y, a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x,
-      a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w, a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z};
-}
-
 Matrix33 RotationRows(Quaternion q) {
   const float xx = q.x * q.x, yy = q.y * q.y, zz = q.z * q.z;
   const float xy = q.x * q.y, xz = q.x * q.z, yz = q.y * q.z;

@@ -9,21 +9,34 @@ struct Vec2 {
   float u = 0, v = 0;
 };
 
-struct Vec3 {
-  float x = 0, y = 0, z = 0;
+// Of float in the records and files, of double where conversions multiply many.
+template <typename Scalar>
+struct BasicVec3 {
+  Scalar x = 0, y = 0, z = 0;
 
-  friend Vec3 operator+(Vec3 a, Vec3 b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
-  friend Vec3 operator-(Vec3 a, Vec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
-  friend Vec3 operator*(Vec3 a, float s) { return {a.x * s, a.y * s, a.z * s}; }
-  bool operator==(const Vec3&) const = default;
+  friend BasicVec3 operator+(BasicVec3 a, BasicVec3 b) { return {a.x + b.x, a.y + b.y, a.z + b.z}; }
+  friend BasicVec3 operator-(BasicVec3 a, BasicVec3 b) { return {a.x - b.x, a.y - b.y, a.z - b.z}; }
+  friend BasicVec3 operator*(BasicVec3 a, Scalar s) { return {a.x * s, a.y * s, a.z * s}; }
+  bool operator==(const BasicVec3&) const = default;
 };
+using Vec3 = BasicVec3<float>;
 
 // Inline: the mesh stages call them for every corner.
-inline float Dot(Vec3 a, Vec3 b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
-inline Vec3 Cross(Vec3 a, Vec3 b) {
+template <typename Scalar>
+Scalar Dot(BasicVec3<Scalar> a, BasicVec3<Scalar> b) {
+  return a.x * b.x + a.y * b.y + a.z * b.z;
+}
+template <typename Scalar>
+BasicVec3<Scalar> Cross(BasicVec3<Scalar> a, BasicVec3<Scalar> b) {
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
-inline float Length(Vec3 a) { return std::sqrt(Dot(a, a)); }
+template <typename Scalar>
+Scalar Length(BasicVec3<Scalar> a) {
+  return std::sqrt(Dot(a, a));
+}
+inline bool IsFinite(Vec3 v) {
+  return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
+}
 
 using Matrix33 = std::array<Vec3, 3>;  // rows
 
@@ -40,12 +53,31 @@ struct Matrix43 {
 
 // The host's left-hand rule: the matrix with rows (0,1,0), (-1,0,0), (0,0,1) is the quaternion
 // (0, 0, -0.70710678, 0.70710678), and Quat(A B) = Quat(A) Quat(B), A first.
-struct Quaternion {
-  float x = 0, y = 0, z = 0, w = 1;
+template <typename Scalar>
+struct BasicQuaternion {
+  Scalar x = 0, y = 0, z = 0, w = 1;
 };
+using Quaternion = BasicQuaternion<float>;
 
-Quaternion Conjugate(Quaternion q);
-Quaternion operator*(Quaternion a, Quaternion b);  // a first
-Matrix33 RotationRows(Quaternion q);               // the matrix of a unit quaternion
+template <typename Scalar>
+BasicQuaternion<Scalar> Conjugate(BasicQuaternion<Scalar> q) {
+  return {-q.x, -q.y, -q.z, q.w};
+}
+template <typename Scalar>
+BasicQuaternion<Scalar> operator*(BasicQuaternion<Scalar> a,
+                                  BasicQuaternion<Scalar> b) {  // a first
+  return {
+      a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y, a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x,
+      a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w, a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z};
+}
+template <typename Scalar>
+Scalar Dot(BasicQuaternion<Scalar> a, BasicQuaternion<Scalar> b) {
+  return a.x * b.x + a.y * b.y + a.z * b.z + a.w * b.w;
+}
+template <typename Scalar>
+Scalar Length(BasicQuaternion<Scalar> q) {
+  return std::sqrt(Dot(q, q));
+}
+Matrix33 RotationRows(Quaternion q);  // the matrix of a unit quaternion
 
 }  // namespace orv

@@ -4,7 +4,6 @@
 #include <sstream>
 
 #include "TemporaryFolder.h"
-#include "inspect/BoneOutline.h"
 #include "inspect/GoodFiles.h"
 #include "inspect/Text.h"
 

@@ -1,4 +1,4 @@
-#include "inspect/VertexCache.h"
+#include "inspect/MeshFacts.h"
 
 #include <gtest/gtest.h>
 
