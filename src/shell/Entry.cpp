@@ -1,12 +1,12 @@
 // The library's entry points: what the host calls by name.
 
+#include "iparamb2.h"
 #include "max.h"
+
 #include "platform/Platform.h"
-#include "shell/ClassDescriptor.h"
 #include "shell/HostEntry.h"
 #include "shell/ManageDialog.h"
 #include "shell/OrvExporter.h"
-#include "shell/ResourceText.h"
 
 // Our own declarations of the SDK take the host's services by this header; the real SDK brings
 // them itself.
@@ -14,6 +14,25 @@
 #include "hostcore.h"
 #define ORV_OWN_SDK 1
 #endif
+
+namespace orv {
+namespace {
+
+// What the host learns of the exporter before it makes one.
+class ClassDescriptor : public ClassDesc2 {
+ public:
+  int IsPublic() override { return 1; }
+  void* Create(BOOL /*loading*/) override { return new OrvExporter; }
+  const TCHAR* ClassName() override { return ResourceText(platform::kStringClassName); }
+  SClass_ID SuperClassID() override { return SCENE_EXPORT_CLASS_ID; }
+  Class_ID ClassID() override { return Class_ID(0x77B61FB5, 0x007429F1); }
+  const TCHAR* Category() override { return ""; }
+  const TCHAR* InternalName() override { return "OrvExporter"; }
+  HINSTANCE HInstance() override { return static_cast<HINSTANCE>(platform::ModuleInstance()); }
+};
+
+}  // namespace
+}  // namespace orv
 
 #ifdef _WIN32
 #define ORV_ENTRY extern "C" __declspec(dllexport)

@@ -39,6 +39,7 @@ Answer AnswerFor(ButtonResult button) {
 }  // namespace
 
 MaxExportUserInterface::MaxExportUserInterface(Interface* host) : m_host(host) {
+  m_outcome = &ManageDialog::s_outcome;
   m_host->ProgressStart(m_title.c_str(), TRUE, IgnoreProgressCall, nullptr);
   SetProgress(0);
 }

@@ -7,8 +7,8 @@
 
 namespace orv {
 
-// Progress on the host's bar, the log and the questions through ManageDialog. Its life brackets
-// the host's progress bar.
+// Progress on the host's bar; the log, the outcome and the questions through ManageDialog. Its life
+// brackets the host's progress bar.
 class MaxExportUserInterface : public ExportUserInterface {
  public:
   explicit MaxExportUserInterface(Interface* host);

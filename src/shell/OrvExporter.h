@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 
 #include "max.h"
@@ -8,6 +9,12 @@
 #include "readers/MaxExGeometryExporter.h"
 
 namespace orv {
+
+// A text of the string table in the one buffer that all callers share: valid until the next call.
+const char* ResourceText(unsigned id);
+
+// The same in the caller's buffer, cut to its size.
+const char* ResourceText(unsigned id, char* buffer, size_t size);
 
 // The exporter the host lists for the file types "IM" and "KIN". No exception leaves it.
 class OrvExporter : public SceneExport {
