@@ -71,7 +71,6 @@ std::string FormsDialogs::Start() {
   switch (static_cast<StartAnswer>(start.answer)) {
     case StartAnswer::Ready:
       m_started = true;
-      platform::UseWindows(this);
       return "";
     case StartAnswer::NoDisplay:
       return "They need an X display, and none can be opened. Run the program in a desktop "
@@ -154,7 +153,7 @@ ButtonResult FormsDialogs::Ask(int kind, const char* caption, const char* text) 
 
 bool FormsDialogs::CanPrompt() { return m_started; }
 
-bool FormsDialogs::CanShow() { return Start().empty(); }
+bool FormsDialogs::CanShow() { return m_started || (m_startsForBoxes && Start().empty()); }
 
 bool FormsDialogs::ShowMessageBox(const char* text, const char* caption, platform::Buttons buttons,
                                   platform::Icon icon) {

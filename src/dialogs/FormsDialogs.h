@@ -23,6 +23,10 @@ class FormsDialogs final : public ExportDialogs, public platform::Windows {
   // The events come while a window handles its messages; no exception may leave them.
   explicit FormsDialogs(const Events& events);
 
+  // Whether a message box or the About box is a reason to start the runtime; not where the host
+  // has dialogs of its own.
+  void StartForBoxes(bool allowed) { m_startsForBoxes = allowed; }
+
   // To be called on the event of that name: the log window has gone.
   void LogHasClosed() { m_logState = LogState::Closed; }
   // What managed code has thrown. Shows a box while there is no log that tells it.
@@ -53,6 +57,7 @@ class FormsDialogs final : public ExportDialogs, public platform::Windows {
 
   DialogTable m_table;
   bool m_started = false;
+  bool m_startsForBoxes = true;
   LogState m_logState = LogState::NotOpened;
   std::vector<std::pair<Severity, std::string>> m_earlyLines;  // logged before the window opened
 };

@@ -50,7 +50,7 @@ class Windows {
   ~Windows() = default;
 };
 
-// Lent; null takes them away. Ignored on a system that has windows of its own.
+// Lent for good. Ignored on a system that has windows of its own.
 void UseWindows(Windows* windows);
 
 // A modal box without owner; returns true when the user answers Yes. Without a way to show

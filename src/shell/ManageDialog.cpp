@@ -1,7 +1,6 @@
 #include "shell/ManageDialog.h"
 
 #include "dialogs/FormsDialogs.h"
-#include "platform/Platform.h"
 
 namespace orv {
 namespace {
@@ -34,7 +33,7 @@ ExportOutcome ManageDialog::s_outcome;
 
 void ManageDialog::UseDialogs(ExportDialogs* dialogs) {
   s_dialogs = dialogs ? dialogs : &s_ownDialogs;
-  platform::UseWindows(dialogs ? nullptr : &s_ownDialogs);
+  s_ownDialogs.StartForBoxes(!dialogs);
 }
 
 void ManageDialog::BeginExport() { s_outcome = {}; }
