@@ -24,7 +24,6 @@ class Matrix3 : public MaxHeapOperators {
   void NoScale();
 
   Matrix3 operator*(const Matrix3& then) const;
-  Matrix3& operator*=(const Matrix3& then) { return *this = *this * then; }
   bool operator==(const Matrix3& other) const;
 
  private:

@@ -53,11 +53,3 @@ Quat::Quat(const Matrix3& matrix) {
   z = static_cast<float>(q[2] * scale + 0.0);
   w = static_cast<float>(q[3] * scale + 0.0);
 }
-
-Quat Quat::operator*(const Quat& b) const {
-  const double ax = x, ay = y, az = z, aw = w;
-  return {static_cast<float>(aw * b.x + ax * b.w + ay * b.z - az * b.y),
-          static_cast<float>(aw * b.y + ay * b.w + az * b.x - ax * b.z),
-          static_cast<float>(aw * b.z + az * b.w + ax * b.y - ay * b.x),
-          static_cast<float>(aw * b.w - ax * b.x - ay * b.y - az * b.z)};
-}

@@ -15,7 +15,4 @@ class Quat : public MaxHeapOperators {
   // The rotation of rows 0 to 2, which should have been freed of scale (Matrix3::NoScale). A
   // mirrored matrix counts as its negated rows. Unit length, w not negative.
   explicit Quat(const Matrix3& matrix);
-
-  // Quat(A) * Quat(B) is, up to its sign, Quat(A * B): A first.
-  Quat operator*(const Quat& then) const;
 };

@@ -11,10 +11,12 @@
 namespace orv::host {
 namespace {
 
+namespace fs = std::filesystem;
+
 class BitmapSearch : public testing::Test {
  protected:
   void Touch(const std::string& name) {
-    std::filesystem::create_directories(std::filesystem::path(m_folder.File(name)).parent_path());
+    fs::create_directories(fs::path(m_folder.File(name)).parent_path());
     WriteContent(m_folder.File(name), name);
   }
   // The file found, as it is named in the test's folder; empty when there is none.
@@ -29,9 +31,10 @@ class BitmapSearch : public testing::Test {
 };
 
 TEST_F(BitmapSearch, GoesFromTheSpelledNameToWhatIsLeftOfIt) {
-  for (const char* name : {"scene/maps/wood.png", "scene/wood.png", "scene/Brick.PNG",
-                           "library/wood.png", "library/iron.tga", "library/old/rust.tga",
-                           "scene/my wall.png", "scene/100%25.png", "elsewhere/free.png"}) {
+  for (const char* name :
+       {"scene/maps/wood.png", "scene/wood.png", "scene/Brick.PNG", "library/wood.png",
+        "library/iron.tga", "library/old/rust.tga", "scene/my wall.png", "scene/100%25.png",
+        "scene/*+k", "elsewhere/free.png"}) {
     Touch(name);
   }
   const struct {
@@ -49,11 +52,14 @@ TEST_F(BitmapSearch, GoesFromTheSpelledNameToWhatIsLeftOfIt) {
       {"../elsewhere/free.png", "elsewhere/free.png"},
       {"my%20wall.png", "scene/my wall.png"},
       {"100%25.png", "scene/100%25.png"},
+      {"%2a%2B%6B", "scene/*+k"},
       {m_folder.File("elsewhere/free.png"), "elsewhere/free.png"},
+      {fs::relative(m_folder.File("elsewhere/free.png")).string(), ""},
       {"free.png", ""},
       {"maps", ""},
       {"", ""},
       {"..", ""},
+      {std::string("wood.png\0", 9), ""},
   };
   for (const auto& c : cases) EXPECT_EQ(Find(c.name), c.found) << c.name;
 }
