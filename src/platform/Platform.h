@@ -90,7 +90,4 @@ bool RenameOnto(const std::string& from, const std::string& to);
 // stands for. "" for what can only be written to: a device, a pipe, a link to nothing.
 std::string FindReplaceableFile(const std::string& path);
 
-// Native paths; nothing happens when either file is missing.
-void CopyPermissions(const std::string& from, const std::string& to);
-
 }  // namespace orv::platform

@@ -105,7 +105,6 @@ bool ReplacingFile::Commit() {
 }
 
 bool ReplacingFile::PutInPlace() {
-  platform::CopyPermissions(m_target, m_temporary);
   if (platform::RenameOnto(m_temporary, m_target)) {
     m_temporary.clear();
     return true;

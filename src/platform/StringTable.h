@@ -2,7 +2,8 @@
 
 // The texts of the string table, as X(id, name, text): once compiled into the library, and once
 // into the resources of the Windows library, so macros only. The numbers are those the host has
-// always seen; those missing belonged to host versions that are no longer served.
+// always seen; those missing belonged to host versions that are no longer served. Behind it, the
+// numbers of the other resources.
 #define ORV_COPYRIGHT "Copyright (C) 2026 The OrvExporter developers"
 
 // clang-format off
@@ -31,3 +32,6 @@
   X(30, NonStandardMaterial,                                                                      \
     "Ignoring mesh - material other than standard or sub-material used for mesh:")
 // clang-format on
+
+#define ORV_DIALOG_ABOUT 101
+#define ORV_ABOUT_OK 1002

@@ -16,14 +16,21 @@ class MXMLStream {
 // A file, open until the stream is destroyed. Without an open file both counts are 0.
 class MXMLStreamFile : public MXMLStream {
  public:
-  MXMLStreamFile(const char* path, const char* mode);  // as for fopen: "rb", "wb"
-  ~MXMLStreamFile() override;
+  // mode: as for fopen, "rb" or "wb".
+  MXMLStreamFile(const char* path, const char* mode) : m_file(std::fopen(path, mode)) {}
+  ~MXMLStreamFile() override {
+    if (m_file) std::fclose(m_file);
+  }
   MXMLStreamFile(const MXMLStreamFile&) = delete;
   MXMLStreamFile& operator=(const MXMLStreamFile&) = delete;
 
   bool IsOpen() const { return m_file != nullptr; }
-  size_t Read(void* buffer, size_t size) override;
-  size_t Write(const void* buffer, size_t length) override;
+  size_t Read(void* buffer, size_t size) override {
+    return m_file ? std::fread(buffer, 1, size, m_file) : 0;
+  }
+  size_t Write(const void* buffer, size_t length) override {
+    return m_file ? std::fwrite(buffer, 1, length, m_file) : 0;
+  }
 
  private:
   std::FILE* m_file;

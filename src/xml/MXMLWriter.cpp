@@ -16,6 +16,14 @@ bool WriteBlanks(MXMLStream& stream, size_t count) {
   return whole & WritePiece(stream, kBlanks.substr(0, count));
 }
 
+bool WriteBetween(MXMLStream& stream, std::string_view start, const char* text,
+                  std::string_view end) {
+  bool whole = WritePiece(stream, start);
+  whole &= WritePiece(stream, text);
+  whole &= WritePiece(stream, end);
+  return whole;
+}
+
 }  // namespace
 
 std::string_view MXMLWriter::Escape(std::string_view text) {
@@ -34,6 +42,22 @@ std::string_view MXMLWriter::Escape(std::string_view text) {
     }
   }
   return m_escaped;
+}
+
+bool MXMLDeclaration::Write(MXMLStream& stream, bool, MXMLWriter&) const {
+  return WriteBetween(stream, "<?", GetText(), "?>");
+}
+
+bool MXMLComment::Write(MXMLStream& stream, bool, MXMLWriter&) const {
+  return WriteBetween(stream, "<!--", GetText(), "-->");
+}
+
+bool MXMLText::Write(MXMLStream& stream, bool, MXMLWriter& writer) const {
+  return WritePiece(stream, writer.Escape(GetText()));
+}
+
+bool MXMLCDATA::Write(MXMLStream& stream, bool, MXMLWriter&) const {
+  return WriteBetween(stream, "<![CDATA[", GetText(), "]]>");
 }
 
 // Depth first by the links of the tree, not by recursion.

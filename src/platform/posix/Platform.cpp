@@ -27,6 +27,13 @@ std::string Reason(int error) { return std::generic_category().message(error); }
 void* s_moduleInstance = nullptr;
 Windows* s_windows = nullptr;
 
+// Native paths; nothing happens when either file is missing.
+void CopyPermissions(const std::string& from, const std::string& to) {
+  std::error_code error;
+  const fs::file_status status = fs::status(from, error);
+  if (fs::exists(status)) fs::permissions(to, status.permissions(), error);
+}
+
 bool CanShowWindows() { return s_windows && s_windows->CanShow(); }
 
 }  // namespace
@@ -128,6 +135,16 @@ std::string WhyNotWritable(const std::string& path) {
   std::error_code error;
   if (!existed) fs::remove(fs::canonical(native, error), error);  // behind a link: not the link
   return "";
+}
+
+std::string FindReplaceableFile(const std::string& path) {
+  std::error_code error;
+  const fs::file_status status = fs::status(path, error);
+  if (fs::is_symlink(fs::symlink_status(path, error))) {
+    const fs::path target = fs::canonical(path, error);
+    return error || !fs::is_regular_file(status) ? "" : target.string();
+  }
+  return fs::exists(status) && !fs::is_regular_file(status) ? "" : path;
 }
 
 bool RenameOnto(const std::string& from, const std::string& to) {

@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include <commdlg.h>
 #include <io.h>
 #include <shellapi.h>
 #include <shlobj.h>
@@ -62,6 +63,30 @@ std::string FullPath(const std::string& path) {
   return length > 0 && length < kMaxPath ? full : path;
 }
 
+UINT StyleOf(Icon icon) {
+  switch (icon) {
+    case Icon::Error:
+      return MB_ICONERROR;
+    case Icon::Warning:
+      return MB_ICONWARNING;
+    case Icon::Information:
+      return MB_ICONINFORMATION;
+    default:
+      return MB_ICONQUESTION;
+  }
+}
+
+// Closed by its button alone.
+INT_PTR CALLBACK AboutProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_INITDIALOG) {
+    SetWindowLongPtrA(window, GWLP_USERDATA, lParam);
+    return TRUE;
+  }
+  if (GetWindowLongPtrA(window, GWLP_USERDATA) == 0) return FALSE;
+  if (message == WM_COMMAND && LOWORD(wParam) == ORV_ABOUT_OK) EndDialog(window, 1);
+  return message == WM_COMMAND || message == WM_DESTROY;
+}
+
 }  // namespace
 
 void SetModuleInstance(void* instance) { s_moduleInstance = static_cast<HINSTANCE>(instance); }
@@ -93,6 +118,32 @@ std::string HostExecutablePath() {
 }
 
 void UseWindows(Windows*) {}
+
+bool ShowMessageBox(const char* text, const char* caption, Buttons buttons, Icon icon) {
+  const UINT style = (buttons == Buttons::YesNo ? MB_YESNO : MB_OK) | StyleOf(icon);
+  return MessageBoxA(nullptr, text, caption, style) == IDYES;
+}
+
+void ShowAboutBox(void* owner, void* creationParameter) {
+  DialogBoxParamA(static_cast<HINSTANCE>(ModuleInstance()), MAKEINTRESOURCEA(ORV_DIALOG_ABOUT),
+                  static_cast<HWND>(owner), AboutProcedure,
+                  reinterpret_cast<LPARAM>(creationParameter));
+}
+
+// The dialog for saving, told to take existing files only.
+std::optional<std::string> PickEventFile() {
+  char name[256] = {};
+  OPENFILENAMEA picker{};
+  picker.lStructSize = sizeof(picker);
+  picker.lpstrTitle = "Pick an event file";
+  picker.lpstrFilter = "Event files\0*.evt\0";
+  picker.lpstrDefExt = "evt";
+  picker.lpstrFile = name;
+  picker.nMaxFile = sizeof(name);
+  picker.Flags = OFN_PATHMUSTEXIST | OFN_FILEMUSTEXIST | OFN_HIDEREADONLY;
+  if (!GetSaveFileNameA(&picker)) return std::nullopt;
+  return name;
+}
 
 bool CopyOneFile(const std::string& from, const std::string& to, bool noQuestions, bool silent) {
   const ShellPath source(from), target(to);
@@ -145,6 +196,7 @@ std::string WhyNotWritable(const std::string& path) {
   return "";
 }
 
+// A new file has the permissions of its folder, as the old one had.
 bool RenameOnto(const std::string& from, const std::string& to) {
   return MoveFileExA(NativePath(from).c_str(), NativePath(to).c_str(), MOVEFILE_REPLACE_EXISTING);
 }
@@ -158,8 +210,5 @@ std::string FindReplaceableFile(const std::string& path) {
       FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_REPARSE_POINT;
   return attributes & kNoFile ? "" : path;
 }
-
-// A new file has those of its folder, as the old one had.
-void CopyPermissions(const std::string&, const std::string&) {}
 
 }  // namespace orv::platform
