@@ -18,31 +18,36 @@ class OptionsFile : public testing::Test {
   const std::string m_path = m_folder.File("OrvExporter.xml");
 };
 
-bool Options::*const kFlags[] = {
-    &Options::m_useDefaultColors, &Options::m_forceTxtOverwrite,  &Options::m_askTxtOverwrite,
-    &Options::m_collectTextures,  &Options::m_normalMapFlipGreen, &Options::m_enableWarnings,
-    &Options::m_exportGeometry,   &Options::m_exportAnimation,
-};
+const struct {
+  const char* name;
+  bool Options::*flag;
+  bool initially;
+} kFlags[] = {{"m_useDefaultColors", &Options::m_useDefaultColors, false},
+              {"m_forceTxtOverwrite", &Options::m_forceTxtOverwrite, false},
+              {"m_askTxtOverwrite", &Options::m_askTxtOverwrite, true},
+              {"m_collectTextures", &Options::m_collectTextures, false},
+              {"m_normalMapFlipGreen", &Options::m_normalMapFlipGreen, false},
+              {"m_enableWarnings", &Options::m_enableWarnings, true},
+              {"m_exportGeometry", &Options::m_exportGeometry, true},
+              {"m_exportAnimation", &Options::m_exportAnimation, true}};
 
-// The persisted values in a line, for comparing.
-std::string Persisted(const Options& options) {
-  std::string line;
-  for (const auto flag : kFlags) line += options.*flag ? '1' : '0';
-  return line + " [" + options.m_eventFileName.CStr() + "]";
+// The names of the flags that differ from their defaults, and of the event file.
+std::string Changed(const Options& options) {
+  std::string names;
+  for (const auto& [name, flag, initially] : kFlags) {
+    if (options.*flag != initially) names += std::string(name) + " ";
+  }
+  return names + options.m_eventFileName.CStr();
 }
 
 TEST(Options, TextToBool) {
-  const struct {
-    const char* text;
-    char result;  // 't', 'f', or '=' for the fallback
-  } cases[] = {
-      {"true", 't'},      {"tRuEX", 't'}, {" \t\r\nTrue ", 't'}, {"tru", '='}, {"truth", '='},
-      {"FALSEhood", 'f'}, {"0", 'f'},     {"01", 'f'},           {" 1", 't'},  {"2", '='},
-      {"", '='},          {nullptr, '='}, {"\vtrue", '='},
-  };
+  const std::pair<const char*, const char*> cases[] = {
+      {"true", "t"},      {"tRuEX", "t"}, {" \t\r\nTrue ", "t"}, {"tru", ""}, {"truth", ""},
+      {"FALSEhood", "f"}, {"0", "f"},     {"01", "f"},           {" 1", "t"}, {"2", ""},
+      {"", ""},           {nullptr, ""},  {"\vtrue", ""}};
   for (const auto& [text, result] : cases) {
     for (const bool fallback : {false, true}) {
-      EXPECT_EQ(TextToBool(text, fallback), result == '=' ? fallback : result == 't')
+      EXPECT_EQ(TextToBool(text, fallback), *result ? *result == 't' : fallback)
           << (text ? text : "null") << " else " << fallback;
     }
   }
@@ -68,58 +73,61 @@ TEST_F(OptionsFile, Bytes) {
             "\r\n</OrvExporterOptions>");
 }
 
-TEST_F(OptionsFile, RoundTrip) {
-  for (const char* name : {"", "C:\\\xC3\xA9v\\a & <b> 'c'.evt"}) {
-    for (const auto flag : kFlags) {
-      Options saved, loaded;
-      saved.*flag = !(saved.*flag);
-      saved.m_eventFileName = name;
-      loaded.m_eventFileName = "before";
-      ASSERT_TRUE(saved.Save(m_path.c_str()));
-      ASSERT_TRUE(loaded.Load(m_path.c_str()));
-      EXPECT_EQ(Persisted(loaded), Persisted(saved));
-    }
+TEST_F(OptionsFile, EachFieldComesBackAndReset) {
+  for (const auto& [name, flag, initially] : kFlags) {
+    Options saved, loaded;
+    saved.*flag = !initially;
+    saved.m_eventFileName = "C:\\\xC3\xA9v\\a & <b> 'c'.evt";
+    ASSERT_TRUE(saved.Save(m_path.c_str()));
+    EXPECT_NE(ContentOf(m_path).find(name + std::string(initially ? ">false" : ">true")), -1u);
+    loaded.m_optimise = false;
+    loaded.m_exportEndFrame = 9;
+    loaded.m_animationStartFrame = 3;
+    loaded.m_animationEndFrame = 4;
+    ASSERT_TRUE(loaded.Load(m_path.c_str()));
+    EXPECT_EQ(Changed(loaded), Changed(saved));
+    EXPECT_FALSE(loaded.m_optimise) << "not in the file";
+    loaded.Reset();
+    EXPECT_EQ(Changed(loaded), saved.m_eventFileName.CStr());
+    EXPECT_TRUE(loaded.m_optimise && !loaded.m_buildNeighbourInfo);
+    EXPECT_EQ(loaded.m_exportEndFrame, -1);
+    EXPECT_EQ(loaded.m_animationEndFrame - loaded.m_animationStartFrame, 1) << "stay";
   }
+  EXPECT_FALSE(Options().Save(m_folder.File("none/x").c_str()));
 }
 
 TEST_F(OptionsFile, LoadsLeniently) {
-  const struct {
-    const char* elements;
-    const char* expected;  // from the defaults, but with m_enableWarnings off and "before"
-  } cases[] = {
-      {"<m_exportGeometry> False </m_exportGeometry>", "00100001 [before]"},
-      {"<m_exportGeometry>no</m_exportGeometry>", "00100011 [before]"},
-      {"<m_enableWarnings/>", "00100011 [before]"},
-      {"<m_enableWarnings>no</m_enableWarnings><m_enableWarnings>1</m_enableWarnings>",
-       "00100011 [before]"},
-      {"<m_collectTextures><!--x--><![CDATA[1]]></m_collectTextures>", "00110011 [before]"},
-      {"<x><m_enableWarnings>1</m_enableWarnings></x>", "00100011 [before]"},
-      {"<m_eventFileName>\n  C:\\events\\loco.evt \n</m_eventFileName>",
-       "00100011 [C:\\events\\loco.evt]"},
-      {"<m_eventFileName/>", "00100011 []"},
+  const std::pair<const char*, const char*> cases[] = {
+      // from the defaults and "before"
+      {"<m_exportGeometry> False </m_exportGeometry>", "m_exportGeometry before"},
+      {"<m_exportGeometry>no</m_exportGeometry><m_enableWarnings/>", "before"},
+      {"<m_enableWarnings>no</m_enableWarnings><m_enableWarnings>0</m_enableWarnings>", "before"},
+      {"<m_collectTextures><!--x--><![CDATA[1]]></m_collectTextures>", "m_collectTextures before"},
+      {"<x><m_enableWarnings>0</m_enableWarnings></x>", "before"},
+      {"<m_eventFileName>\n  C:\\lo<!--x-->co.evt \n</m_eventFileName>", "C:\\loco.evt"},
+      {"<m_eventFileName/>", ""},
       {"<m_exportAnimation>0</m_exportAnimation><z/><m_useDefaultColors>1</m_useDefaultColors>",
-       "10100010 [before]"},
+       "m_useDefaultColors m_exportAnimation before"},
   };
-  for (const auto& [elements, expected] : cases) {
+  for (const auto& [elements, changed] : cases) {
     Options options;
-    options.m_enableWarnings = false;
     options.m_eventFileName = "before";
     EXPECT_TRUE(
         Load(options, "<OrvExporterOptions>" + std::string(elements) + "</OrvExporterOptions>"));
-    EXPECT_EQ(Persisted(options), expected) << elements;
+    EXPECT_EQ(Changed(options), changed) << elements;
   }
 }
 
 TEST_F(OptionsFile, WhatIsNoOptionsFileChangesNothing) {
   Options options;
   EXPECT_FALSE(options.Load(m_path.c_str()));
-  for (const char* text :
-       {"", "<Options><m_enableWarnings>0</m_enableWarnings></Options>",
-        "<OrvExporterOptions><m_enableWarnings>0</m_enableWarnings>",
-        "<x><OrvExporterOptions><m_enableWarnings>0</m_enableWarnings></OrvExporterOptions></x>"}) {
+  const std::string flag = "<m_enableWarnings>0</m_enableWarnings>";
+  for (const std::string& text :
+       {std::string(), "<Options>" + flag + "</Options>", "<OrvExporterOptions>" + flag,
+        "<x><OrvExporterOptions>" + flag + "</OrvExporterOptions></x>"}) {
     EXPECT_FALSE(Load(options, text)) << text;
   }
-  EXPECT_EQ(Persisted(options), "00100111 []");
+  EXPECT_EQ(Changed(options), "");
 }
 
 }  // namespace

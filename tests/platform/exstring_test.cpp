@@ -7,8 +7,7 @@ namespace {
 
 TEST(ExString, AppendPath) {
   const struct {
-    const char* base;
-    const char* component;
+    const char *base, *component;
     bool trailingSeparator;
     const char* expected;
   } cases[] = {
@@ -16,7 +15,8 @@ TEST(ExString, AppendPath) {
       {"C:\\a\\", "b", false, "C:\\a\\b"},
       {"a/", "b", false, "a/b"},
       {"", "b", false, "/b"},
-      {"a", "", false, "a"},
+      {"a", "", true, "a"},
+      {"a", nullptr, true, "a"},
       {"a", "/b", false, "a/b"},
       {"a", "\\b", false, "a/b"},
       {"a", "b/", false, "a/b"},
@@ -24,20 +24,17 @@ TEST(ExString, AppendPath) {
       {"a", "/", false, "a"},
   };
   for (const auto& [base, component, trailingSeparator, expected] : cases) {
-    EXPECT_STREQ(ExString(base).AppendPath(component, trailingSeparator).CStr(), expected)
-        << base << " + " << component;
+    EXPECT_STREQ(ExString(base).AppendPath(component, trailingSeparator).CStr(), expected);
   }
   ExString own("ab");
   EXPECT_STREQ(own.AppendPath(own.CStr(), false).CStr(), "ab/ab");
+  EXPECT_STREQ(own.Append(nullptr).Append("\\c").NormalizeSeparators('\\').CStr(), "ab\\ab\\c");
+  EXPECT_STREQ(ExString(" \t\r\n a b\v \t\r\n").TrimWhiteSpace().CStr(), "a b\v");
 }
 
 TEST(ExString, Cuts) {
   const struct {
-    const char* path;
-    const char* withoutExtension;
-    const char* withoutFileName;
-    const char* fileName;
-    const char* baseName;
+    const char *path, *withoutExtension, *withoutFileName, *fileName, *baseName;
   } cases[] = {
       {"C:\\out\\loco.IM", "C:\\out\\loco", "C:\\out", "loco.IM", "loco"},
       {"C:\\a.b\\mesh", "C:\\a", "C:\\a.b", "mesh", "mesh"},
@@ -55,6 +52,16 @@ TEST(ExString, Cuts) {
     EXPECT_EQ(std::string(FolderPart(c.path)) + c.fileName, c.path);
     EXPECT_EQ(BaseNamePart(c.path), c.baseName) << c.path;
   }
+}
+
+TEST(ExString, CaseIsThatOfAsciiLetters) {
+  EXPECT_EQ(LowerCase("@AZ[`az{\xC4"), "@az[`az{\xC4");
+  EXPECT_TRUE(EqualIgnoringCase("Loco.IM", "lOCO.im"));
+  EXPECT_FALSE(EqualIgnoringCase("\xC4", "\xE4") || EqualIgnoringCase("a", "ab"));
+  EXPECT_TRUE(BeginsWithIgnoringCase("B.hip", "b."));
+  EXPECT_FALSE(BeginsWithIgnoringCase("b", "b.") || BeginsWithIgnoringCase("a b.", "b."));
+  EXPECT_TRUE(EndsWithIgnoringCase("a.KIN", ".kin"));
+  EXPECT_FALSE(EndsWithIgnoringCase("kin", ".kin") || EndsWithIgnoringCase("a.kin2", ".kin"));
 }
 
 }  // namespace

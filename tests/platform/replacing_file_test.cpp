@@ -19,23 +19,19 @@ class ReplacingFileTest : public testing::Test {
 TEST_F(ReplacingFileTest, TargetChangesAtTheCommit) {
   WriteContent(target, "old");
   {
-    ReplacingFile out(target, std::ios::binary);
-    out << "new" << std::flush;
-    EXPECT_EQ(ContentOf(target), "old");
-    EXPECT_TRUE(out.Commit());
-    EXPECT_EQ(out.FailureReason(), "");
+    ReplacingFile left(target, std::ios::binary);
+    left << "never committed";
   }
-  EXPECT_EQ(ContentOf(target), "new");
-  EXPECT_EQ(folder.Count(), 1u);
-}
-
-TEST_F(ReplacingFileTest, FailedStreamLeavesTheTarget) {
-  WriteContent(target, "old");
+  ReplacingFile failed(target, std::ios::binary);
+  failed.setstate(std::ios::failbit);
+  EXPECT_FALSE(failed.Commit());
+  EXPECT_NE(failed.FailureReason(), "");
   ReplacingFile out(target, std::ios::binary);
-  out.setstate(std::ios::failbit);
-  EXPECT_FALSE(out.Commit());
-  EXPECT_NE(out.FailureReason(), "");
+  out << "new" << std::flush;
   EXPECT_EQ(ContentOf(target), "old");
+  EXPECT_TRUE(out.Commit());
+  EXPECT_EQ(out.FailureReason(), "");
+  EXPECT_EQ(ContentOf(target), "new");
   EXPECT_EQ(folder.Count(), 1u);
 }
 
@@ -75,6 +71,24 @@ TEST_F(ReplacingFileTest, LinksAndPermissionsStay) {
   EXPECT_TRUE(fs::is_symlink(folder.File("link.im")));
   EXPECT_EQ(ContentOf(target), "new");
   EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_all);
+}
+
+// By the time of the commit the target is a link to no file yet: no place to rename onto.
+TEST_F(ReplacingFileTest, TargetIsWrittenThroughWhenItCannotBeReplaced) {
+  for (const std::string content : {"new", ""}) {
+    WriteContent(target, "old");
+    ReplacingFile out(target, std::ios::binary);
+    out << content;
+    fs::remove(target);
+    std::error_code error;
+    fs::create_symlink("elsewhere", target, error);
+    if (error) GTEST_SKIP() << "no links here";
+    EXPECT_TRUE(out.Commit());
+    EXPECT_EQ(ContentOf(folder.File("elsewhere")), content);
+    EXPECT_EQ(folder.Count(), 2u) << "the temporary file goes";
+    fs::remove(folder.File("elsewhere"));
+    fs::remove(target);
+  }
 }
 
 TEST_F(ReplacingFileTest, TargetIsWrittenDirectlyWhenNoTemporaryFileCanBe) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <string>
 
@@ -19,11 +20,13 @@ class MemoryStream : public MXMLStream {
     return count;
   }
   size_t Write(const void* buffer, size_t length) override {
+    length = std::min(length, room - written.size());
     written.append(static_cast<const char*>(buffer), length);
     return length;
   }
 
   std::string written;
+  size_t room = SIZE_MAX;
 
  private:
   std::string m_readable;
@@ -45,12 +48,6 @@ inline bool ParseText(MXMLDocument& document, const std::string& text, size_t bu
 inline std::string ErrorOf(const std::string& text, size_t bufferSize = 4096) {
   MXMLDocument document;
   return ParseText(document, text, bufferSize) ? "" : document.ErrorText();
-}
-
-// What a text becomes by a parse and a write.
-inline std::string Rewritten(const std::string& text) {
-  MXMLDocument document;
-  return ParseText(document, text) ? WrittenBy(document) : document.ErrorText();
 }
 
 }  // namespace orv
