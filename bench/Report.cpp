@@ -172,7 +172,7 @@ void TableReporter::Finalize() {
     if (std::ranges::find(stages, result.stage) == stages.end()) stages.push_back(result.stage);
   }
   for (const std::string& stage : stages) {
-    std::printf("\n%s\n\n", stage.c_str());
+    std::printf("\n### %s\n\n", stage.c_str());
     StageTable(stage, m_results.All()).Print();
   }
 }
