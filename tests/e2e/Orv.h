@@ -16,6 +16,8 @@
 
 namespace orv {
 
+using Words = std::vector<std::string>;
+
 inline std::string DataFile(const std::string& name) { return ORV_TEST_DATA "/" + name; }
 
 inline std::string ExampleFile(const std::string& name) { return ORV_EXAMPLES "/" + name; }
@@ -29,28 +31,23 @@ inline std::string Program() {
   return other ? other : ORV_PROGRAM;
 }
 
+inline Words SplitAt(char separator, const std::string& text) {
+  Words parts;
+  std::istringstream in(text);
+  for (std::string part; std::getline(in, part, separator);) parts.push_back(part);
+  return parts;
+}
+
+inline Words operator+(Words words, const Words& more) {
+  words.insert(words.end(), more.begin(), more.end());
+  return words;
+}
+
 // A run of the program.
 struct Outcome {
   int status = -1;
   std::string out;
   std::string err;
-
-  std::vector<std::string> Lines() const {  // of standard error
-    std::vector<std::string> lines;
-    std::istringstream in(err);
-    for (std::string line; std::getline(in, line);) lines.push_back(line);
-    return lines;
-  }
-  bool Says(const std::string& line) const {
-    const std::vector<std::string> lines = Lines();
-    return std::find(lines.begin(), lines.end(), line) != lines.end();
-  }
-  // How many lines of the log begin so.
-  long Count(const std::string& start) const {
-    const std::vector<std::string> lines = Lines();
-    return std::count_if(lines.begin(), lines.end(),
-                         [&](const std::string& line) { return line.starts_with(start); });
-  }
 };
 
 // A folder in which the program runs, with nobody at the keyboard; settings and temporary files
@@ -63,25 +60,30 @@ class Workplace {
     }
   }
 
-  // Looking for leaks takes a sanitized program five times as long as a small export.
-  Outcome Orv(const std::vector<std::string>& arguments, bool checkLeaks = false) const {
-    Process run({.arguments = With({Program()}, arguments),
-                 .folder = Here(),
-                 .output = m_root.File("run"),
-                 .environment = {{"TMPDIR", m_root.File("tmp")},
-                                 {"HOME", m_root.File("home")},
-                                 {"XDG_CONFIG_HOME", m_root.File("home")},
-                                 {"ASAN_OPTIONS", checkLeaks ? "detect_leaks=1" : "detect_leaks=0"},
-                                 {"LSAN_OPTIONS",
-                                  "print_suppressions=0:suppressions=" ORV_LEAK_SUPPRESSIONS}}});
+  // To be changed before it is run. Looking for leaks takes a sanitized program five times as long
+  // as a small export.
+  Command Prepared(const Words& arguments) const {
+    return {.arguments = Words{Program()} + arguments,
+            .folder = Here(),
+            .output = m_root.File("run"),
+            .environment = {
+                {"TMPDIR", m_root.File("tmp")},
+                {"HOME", m_root.File("home")},
+                {"XDG_CONFIG_HOME", m_root.File("home")},
+                {"ASAN_OPTIONS", "detect_leaks=0"},
+                {"LSAN_OPTIONS", "print_suppressions=0:suppressions=" ORV_LEAK_SUPPRESSIONS}}};
+  }
+  Outcome Run(const Command& command) const {
+    Process run(command);
     const int status = run.Status();
     return {status, run.Output(), run.Errors()};
   }
+  Outcome Orv(const Words& arguments) const { return Run(Prepared(arguments)); }
 
   // orv export SCENE -o OUT ...
   Outcome Export(const std::string& scene, const std::string& output,
-                 const std::vector<std::string>& more = {}) const {
-    return Orv(With({"export", scene, "-o", output}, more));
+                 const Words& more = {}) const {
+    return Orv(Words{"export", scene, "-o", output} + more);
   }
 
   std::string Here() const { return m_root.File("here"); }
@@ -101,11 +103,6 @@ class Workplace {
     }
     return files;
   }
-  std::set<std::string> Names(const std::string& where = "here") const {
-    std::set<std::string> names;
-    for (const auto& [name, content] : Files(where)) names.insert(name);
-    return names;
-  }
 
  private:
   template <typename File>
@@ -114,11 +111,6 @@ class Workplace {
     ReadProblem problem;
     if (!read(Path(name), file, problem)) throw std::runtime_error(problem.Message());
     return file;
-  }
-  static std::vector<std::string> With(std::vector<std::string> words,
-                                       const std::vector<std::string>& more) {
-    words.insert(words.end(), more.begin(), more.end());
-    return words;
   }
 
   TemporaryFolder m_root;

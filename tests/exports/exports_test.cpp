@@ -1,6 +1,7 @@
 // What orv makes of every line of exports.txt, held against expected.txt: the status, standard
-// output, the log and the files. A line is what stands behind `orv export`; after a ";" follows a
-// further export into the same folder. The scenes in {scenes} come from scenes.txt.
+// output, the log and the files. A line is what stands behind `orv export`, or another command that
+// begins with "orv"; after a ";" follows a further one in the same folder. The scenes in {scenes}
+// come from scenes.txt.
 //   ORV_RECORD=1 ./dev test exports   records expected.txt anew
 //   ORV_OTHER_PROGRAM=PATH            runs this orv instead of the one just built
 #include <gtest/gtest.h>
@@ -14,23 +15,16 @@
 namespace orv {
 namespace {
 
-using Lines = std::vector<std::string>;
+using Lines = Words;
 using Records = std::map<std::string, Lines>;  // by the line of exports.txt
 
-constexpr size_t kLongestLog = 40;     // lines
-constexpr size_t kLongestShown = 400;  // bytes of a side file
+constexpr size_t kLongestLog = 40;      // lines
+constexpr size_t kLongestShown = 1000;  // bytes of a side file or of the options
 
 const std::string kExpected = ORV_EXPORTS "/expected.txt";
 
-Lines LinesOf(const std::string& text) {
-  Lines lines;
-  std::istringstream in(text);
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  return lines;
-}
-
 Lines ListedExports() {
-  Lines exports = LinesOf(ContentOf(ORV_EXPORTS "/exports.txt"));
+  Lines exports = SplitAt('\n', ContentOf(ORV_EXPORTS "/exports.txt"));
   std::erase_if(exports, [](const auto& line) { return line.empty() || line[0] == '#'; });
   return exports;
 }
@@ -58,7 +52,7 @@ std::string Checksum(const std::string& bytes) {
 void AddLog(const std::string& log, Lines& record) {
   const std::string progress = "Progress: ";
   Lines lines;
-  for (const std::string& line : LinesOf(log)) {
+  for (const std::string& line : SplitAt('\n', log)) {
     if (line.starts_with(progress) && !lines.empty() && lines.back().starts_with(progress)) {
       lines.back() += " | " + Escaped(line.substr(progress.size()));
     } else {
@@ -77,7 +71,8 @@ void AddLog(const std::string& log, Lines& record) {
 
 std::string DescribedFile(const std::string& name, const std::string& content) {
   if (name.ends_with('/')) return "folder " + name;
-  const bool isShown = name.ends_with(".texture.txt") && content.size() <= kLongestShown;
+  const bool isText = name.ends_with(".texture.txt") || name.ends_with(".xml");
+  const bool isShown = isText && content.size() <= kLongestShown;
   return "file " + name + " " + std::to_string(content.size()) + " " + Checksum(content) +
          (isShown ? " " + Escaped(content) : "");
 }
@@ -99,7 +94,7 @@ std::string Difference(const Lines& expected, const Lines& actual) {
 Records ReadRecords() {
   Records records;
   std::string current;
-  for (const std::string& line : LinesOf(ContentOf(kExpected))) {
+  for (const std::string& line : SplitAt('\n', ContentOf(kExpected))) {
     if (line.starts_with("> ")) {
       records[current = line.substr(2)];
     } else {
@@ -133,25 +128,33 @@ class Exports : public testing::TestWithParam<std::string> {
   static Lines Run(const std::string& exports) {
     const Workplace place;
     const std::string root = place.Here().substr(0, place.Here().rfind('/'));
-    const std::pair<std::string, std::string> folders[] = {{"{scenes}/", s_scenes->File("")},
-                                                           {"{examples}/", ExampleFile("")},
-                                                           {"{data}/", DataFile("")},
-                                                           {"{models}/", ModelFile("")},
-                                                           {"{run}/", root + "/"}};
+    const std::pair<std::string, std::string> folders[] = {
+        {"{scenes}/", s_scenes->File("")},
+        {"{examples}/", ExampleFile("")},
+        {"{data}/", DataFile("")},
+        {"{models}/", ModelFile("")},
+        {"{run}/", root + "/"},
+        {"{bin}/", std::filesystem::path(Program()).parent_path().string() + "/"}};
     Lines record;
     std::string next;
     for (std::istringstream in(exports); std::getline(in, next, ';');) {
-      std::vector<std::string> arguments = {"export"};
-      for (std::string word : WordsOf(next)) {
-        for (const auto& [name, path] : folders) word = Replaced(word, name, path);
-        arguments.push_back(word);
+      Words arguments = WordsOf(next);
+      if (arguments.at(0) == "orv") {
+        record.push_back("$");
+        for (const std::string& word : arguments) record.back() += " " + word;
+        arguments.erase(arguments.begin());
+      } else {
+        arguments.insert(arguments.begin(), "export");
       }
+      for (std::string& word : arguments)
+        for (const auto& [name, path] : folders) word = Replaced(word, name, path);
       Outcome run = place.Orv(arguments);
       for (const auto& [name, path] : folders) {
         for (std::string* text : {&run.out, &run.err}) *text = Replaced(*text, path, name);
       }
       record.push_back("status " + std::to_string(run.status));
-      for (const std::string& line : LinesOf(run.out)) record.push_back("out: " + Escaped(line));
+      for (const std::string& line : SplitAt('\n', run.out))
+        record.push_back("out: " + Escaped(line));
       AddLog(run.err, record);
     }
     for (const std::string where : {"here", "tmp", "home"}) {
