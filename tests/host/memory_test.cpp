@@ -112,6 +112,15 @@ TEST(Scene, SelectsAndCountsNodes) {
             (std::vector<size_t>{3, 2, 1, 1, 8, 4}));
 }
 
+TEST(MemoryCrop, AnswersByNumber) {
+  MemoryCrop crop;
+  crop.u = 1, crop.v = 2, crop.width = 3, crop.height = 4;
+  for (ParamID id = 0; id < 8; ++id) EXPECT_EQ(crop.GetFloat(id), id < 4 ? id + 1 : 0);
+  EXPECT_EQ(crop.GetInt(6), 0);
+  crop.on = true;
+  for (ParamID id = 0; id < 8; ++id) EXPECT_EQ(crop.GetInt(id), id == 6);
+}
+
 TEST(MemoryHost, AnswersWhatTheSceneSays) {
   Scene scene;
   scene.info.framesPerSecond = 24;

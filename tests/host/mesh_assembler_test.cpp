@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
-#include <numbers>
 #include <optional>
 #include <random>
 #include <vector>
@@ -44,8 +42,7 @@ AssembledMesh Assemble(const Soup& soup) {
 Soup FlatCone(int sides) {
   Soup soup;
   const auto rim = [&](int i) {
-    const double angle = 2 * std::numbers::pi * (i % sides) / sides;
-    return Point3(static_cast<float>(std::cos(angle)), static_cast<float>(std::sin(angle)), -1);
+    return Point3(static_cast<float>((i % sides) * (i % sides)), 1, -1);
   };
   for (int i = 0; i < sides; ++i) {
     const Point3 normal = Normalize(rim(i) + rim(i + 1));
@@ -113,38 +110,29 @@ TEST(MeshAssembler, FaceAtOnePositionTwiceLeavesTheOthersTheirNormals) {
   }
 }
 
-TEST(MeshAssembler, MergesPositionsBitByBit) {
+// Bit by bit, and moved by the same bone or by none.
+TEST(MeshAssembler, MergesEqualPositionsOfEqualWeights) {
   const float nan = std::numeric_limits<float>::quiet_NaN();
-  const Point3 positions[] = {{1, 2, 3},    {1, 2, 3},   {1, 2, 3.0000002f}, {0, 0, 0},
-                              {-0.f, 0, 0}, {nan, 0, 0}, {nan, 0, 0}};
-  MeshAssembler assembler(7, 1);
+  const std::vector<BoneWeight> none, first = {{0, 1}}, second = {{1, 1}};
+  const struct {
+    Point3 position;
+    const std::vector<BoneWeight>& weights;
+    DWORD merged;
+  } vertices[] = {{{1, 2, 3}, none, 0},    {{1, 2, 3.0000002f}, none, 1}, {{0, 0, 0}, none, 2},
+                  {{-0.f, 0, 0}, none, 3}, {{nan, 0, 0}, none, 4},        {{nan, 0, 0}, none, 4},
+                  {{1, 2, 3}, first, 5},   {{1, 2, 3}, second, 6},        {{1, 2, 3}, first, 5},
+                  {{1, 2, 3}, none, 0},    {{0, 0, 0}, none, 2},          {{0, 0, 0}, second, 7}};
+  const uint32_t count = std::size(vertices);
+  MeshAssembler assembler(count, count / 3);
   assembler.BeginPart(0);
-  for (const Point3& position : positions) assembler.AddVertex({position});
-  assembler.AddTriangle(1, 2, 6);
+  for (const auto& v : vertices) assembler.AddVertex({v.position, nullptr, nullptr, v.weights});
+  for (uint32_t i = 0; i < count; i += 3) assembler.AddTriangle(i, i + 1, i + 2);
   const AssembledMesh result = assembler.Finish();
-  ASSERT_EQ(result.mesh.getNumVerts(), 5);
-  const Face& face = result.mesh.faces[0];
-  EXPECT_EQ(face.v[0], 0u);
-  EXPECT_EQ(face.v[1], 1u);
-  EXPECT_EQ(face.v[2], 4u);
-}
-
-// One place, moved by nobody, by bone 0, by 1, by 0 again, by nobody again.
-TEST(MeshAssembler, PositionsWithOtherWeightsStayApart) {
-  const BoneWeight weights[] = {{0, 1}, {1, 1}, {0, 1}};
-  MeshAssembler assembler(5, 1);
-  assembler.BeginPart(0);
-  assembler.AddVertex({Point3(1, 2, 3)});
-  for (const BoneWeight& weight : weights) {
-    assembler.AddVertex({Point3(1, 2, 3), nullptr, nullptr, {&weight, 1}});
+  for (uint32_t i = 0; i < count; ++i) {
+    EXPECT_EQ(result.mesh.faces[i / 3].v[i % 3], vertices[i].merged) << i;
   }
-  assembler.AddVertex({Point3(1, 2, 3)});
-  assembler.AddTriangle(1, 3, 4);
-  const AssembledMesh result = assembler.Finish();
-  EXPECT_EQ(result.mesh.getNumVerts(), 3);
-  EXPECT_EQ(result.mesh.faces[0].v[1], 1u);
-  EXPECT_EQ(result.mesh.faces[0].v[2], 0u);
-  EXPECT_EQ(result.skin.starts, (std::vector<uint32_t>{0, 0, 1, 2}));
+  EXPECT_EQ(result.mesh.getNumVerts(), 8);
+  EXPECT_EQ(result.skin.starts, (std::vector<uint32_t>{0, 0, 0, 0, 0, 0, 1, 2, 3}));
 }
 
 TEST(MeshAssembler, PartsWithoutTexCoordsShareTheOrigin) {

@@ -18,13 +18,8 @@ void ExpectNear(const Quat& a, const Quat& b) {
   EXPECT_LT(Length(Point3(a.x - b.x, a.y - b.y, a.z - b.z)) + std::abs(a.w - b.w), 1e-5);
 }
 
-const Point3 kAxes[] = {{1, 0, 0},
-                        {0, 1, 0},
-                        {0, 0, 1},
-                        {0, 0.6f, 0.8f},
-                        {0.8f, 0, 0.6f},
-                        {0.6f, -0.8f, 0},
-                        {0.48f, 0.6f, -0.64f}};
+const Point3 kAxes[] = {{1, 0, 0},       {0, 1, 0},        {0, 0, 1},
+                        {0, 0.6f, 0.8f}, {0.6f, -0.8f, 0}, {0.48f, 0.6f, -0.64f}};
 
 // The left-hand rule turns the axis round. A mirrored matrix counts as its negated rows.
 TEST(Quat, IsTheRotationByTheLeftHandRule) {
