@@ -1,6 +1,8 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <utility>
@@ -19,12 +21,25 @@ class GenericSkeleton {
  public:
   class Node {
    public:
-    virtual ~Node();
+    virtual ~Node() { DestroyDescendants(); }
     virtual const char* Name() const = 0;
     virtual Vec3 Position() const = 0;
     virtual Quaternion Rotation() const = 0;
 
     std::vector<std::unique_ptr<Node>> m_children;  // in the order they were added
+
+   private:
+    // Each is taken out of the tree before it is destroyed, so that the depth of the stack does not
+    // grow with that of the tree.
+    void DestroyDescendants() {
+      std::vector<std::unique_ptr<Node>> doomed = std::move(m_children);
+      while (!doomed.empty()) {
+        const std::unique_ptr<Node> node = std::move(doomed.back());
+        doomed.pop_back();
+        std::move(node->m_children.begin(), node->m_children.end(), std::back_inserter(doomed));
+        node->m_children.clear();
+      }
+    }
   };
 
   virtual ~GenericSkeleton() = default;

@@ -40,15 +40,21 @@ inline bool IsFinite(Vec3 v) {
 
 using Matrix33 = std::array<Vec3, 3>;  // rows
 
-Vec3 operator*(Vec3 v, const Matrix33& m);  // row vector times matrix
-Matrix33 Transpose(const Matrix33& m);      // of a rotation: its inverse
+// Row vector times matrix.
+inline Vec3 operator*(Vec3 v, const Matrix33& m) { return m[0] * v.x + m[1] * v.y + m[2] * v.z; }
+
+// Of a rotation: its inverse.
+inline Matrix33 Transpose(const Matrix33& m) {
+  return {Vec3{m[0].x, m[1].x, m[2].x}, Vec3{m[0].y, m[1].y, m[2].y}, Vec3{m[0].z, m[1].z, m[2].z}};
+}
 
 // Row vectors: a point p becomes p x rows 0 to 2 plus row 3.
 struct Matrix43 {
   std::array<Vec3, 4> rows{Vec3{1, 0, 0}, Vec3{0, 1, 0}, Vec3{0, 0, 1}, Vec3{0, 0, 0}};
 
-  Vec3 TransformPoint(Vec3 p) const;
-  Vec3 TransformVector(Vec3 v) const;  // without the translation row
+  Vec3 TransformPoint(Vec3 p) const { return TransformVector(p) + rows[3]; }
+  // Without the translation row.
+  Vec3 TransformVector(Vec3 v) const { return rows[0] * v.x + rows[1] * v.y + rows[2] * v.z; }
 };
 
 // The host's left-hand rule: the matrix with rows (0,1,0), (-1,0,0), (0,0,1) is the quaternion
@@ -78,6 +84,15 @@ template <typename Scalar>
 Scalar Length(BasicQuaternion<Scalar> q) {
   return std::sqrt(Dot(q, q));
 }
-Matrix33 RotationRows(Quaternion q);  // the matrix of a unit quaternion
+
+// The matrix of a unit quaternion.
+inline Matrix33 RotationRows(Quaternion q) {
+  const float xx = q.x * q.x, yy = q.y * q.y, zz = q.z * q.z;
+  const float xy = q.x * q.y, xz = q.x * q.z, yz = q.y * q.z;
+  const float wx = q.w * q.x, wy = q.w * q.y, wz = q.w * q.z;
+  return {Vec3{1 - 2 * (yy + zz), 2 * (xy - wz), 2 * (xz + wy)},
+          Vec3{2 * (xy + wz), 1 - 2 * (xx + zz), 2 * (yz - wx)},
+          Vec3{2 * (xz - wy), 2 * (yz + wx), 1 - 2 * (xx + yy)}};
+}
 
 }  // namespace orv
