@@ -20,7 +20,7 @@ bool ColoursEqual(const GenericMaterial& a, const GenericMaterial& b) {
 }
 
 // One way only: with equal counts, two like maps of a may both find the same one of b.
-// Pinned by MaterialEquality.LikeMapsFindTheSamePartner.
+// Pinned by MaterialEquality.EachFieldAlone.
 bool HasEveryMapOf(const GenericMaterial& a, const GenericMaterial& b) {
   return std::all_of(a.maps.begin(), a.maps.end(), [&](const MaterialMap& map) {
     return std::any_of(b.maps.begin(), b.maps.end(),

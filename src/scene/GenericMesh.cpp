@@ -24,7 +24,7 @@ bool LooksMirrored(const Matrix43& tm) {
 
 // Exchanges the outermost pair of an odd polygon only, which is enough for triangles; a polygon
 // with an even number of corners keeps its order.
-// Pinned by MeshTransform.ReversingExchangesOnePairOfOddPolygons.
+// Pinned by MeshTransform.MirrorTestReadsThreeSigns.
 void Reverse(std::span<FaceCorner> corners) {
   if (corners.size() % 2 == 1) std::swap(corners.front(), corners.back());
 }

@@ -41,7 +41,6 @@ class GenericFaceList {
     return {m_materials[face], {m_corners.data() + begin, m_cornerEnds[face] - begin}};
   }
   std::span<FaceCorner> Corners(size_t face);
-  void SetMaterial(size_t face, int32_t material) { m_materials[face] = material; }
   void Add(int32_t material, std::span<const FaceCorner> corners);
   // Adds the other's faces with their numbers raised.
   void Append(const GenericFaceList& other, int32_t materialOffset, const FaceCorner& offset);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -26,7 +25,7 @@ inline MaterialMap Map(int32_t channel, std::string fileName, float amount = 1) 
 }
 
 // A face whose corner k names the same row of all three tables.
-inline void AddFace(GenericMesh& mesh, int32_t material, std::initializer_list<uint32_t> rows) {
+inline void AddFace(GenericMesh& mesh, int32_t material, const std::vector<uint32_t>& rows) {
   std::vector<FaceCorner> corners;
   for (const uint32_t row : rows) corners.push_back({row, row, row});
   mesh.m_faces.Add(material, corners);
