@@ -37,7 +37,7 @@ bool FinishChunks(const GenericMesh& mesh, std::vector<ChunkDraft>& drafts,
                   std::vector<IndexedMesh::Chunk>& chunks, ExportUserInterface& ui);
 
 // Only the indices move: the last triangle takes the place of a degenerate one, while face normals
-// and neighbours stay in their rows. Pinned by ChunkBuilding.DegenerateTrianglesLeaveTheirRows.
+// and neighbours stay in their rows. Pinned by ChunkBuilding.AgreesWithTheLiteralProcedure.
 void RemoveDegenerateTriangles(IndexedMesh::Chunk& chunk);
 
 // Cross(p1 - p0, p2 - p0) at unit length; (0, 0, 1) for a triangle of zero area.

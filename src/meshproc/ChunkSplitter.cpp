@@ -87,7 +87,7 @@ class Splitter {
 
 // The bones are looked up by the number a vertex has in the chunk, although weights name positions
 // of the mesh, as in every file already written.
-// Pinned by ChunkSplitting.BonesAreFoundByChunkVertexNumber.
+// Pinned by ChunkBuilding.AgreesWithTheLiteralProcedure.
 void Splitter::CollectBones(uint32_t triangle) {
   m_triangleBones.clear();
   for (const uint32_t vertex : m_parent.triangles[triangle]) {

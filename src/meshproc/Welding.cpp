@@ -31,7 +31,7 @@ bool HoldsNan(const Values& values) {
 }
 
 // Where corners of equal position and different bone weights were welded, the last one's count.
-// Pinned by ChunkWelding.LastCornerGivesTheBoneWeights.
+// Pinned by ChunkBuilding.AgreesWithTheLiteralProcedure.
 std::vector<uint32_t> LastCornerPositions(const GenericMesh& mesh, const ChunkDraft& draft) {
   std::vector<uint32_t> positions(draft.vertices.size());
   for (size_t i = 0; i < draft.triangles.size(); ++i) {
