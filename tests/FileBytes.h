@@ -67,6 +67,35 @@ inline std::string Edited(std::string listing, const std::string& from, const st
   return listing.replace(at, from.size(), to);
 }
 
+// Holds what is said of a listing after each edit of a table against the table: in each line what
+// stands in the listing, what takes its place, and what is said, parted by "=>". The place is in
+// the words, or the "@" of the edit.
+template <typename Refusal>
+void ExpectRefusals(const std::string& listing, const std::string& table, Refusal refusal) {
+  std::istringstream lines(table.substr(1));
+  for (std::string line; std::getline(lines, line);) {
+    const size_t to = line.find(" => "), message = line.rfind(" => ");
+    const std::string edited =
+        Edited(listing, line.substr(0, to), line.substr(to + 4, message - to - 4));
+    EXPECT_EQ(refusal(FileOf(edited)), line.substr(message + 4) + PlaceIn(edited)) << line;
+  }
+}
+
+// Every beginning of a file is refused; so is one whose root length says that it ends there, unless
+// it lacks but what may be missing, from an offset on.
+template <typename Refusal>
+void ExpectPrefixesRefused(const std::string& bytes, size_t optionalStart, Refusal refusal) {
+  for (size_t size = 0; size < bytes.size(); ++size) {
+    std::string prefix = bytes.substr(0, size);
+    EXPECT_TRUE(refusal(prefix).ends_with(")")) << size;
+    if (size < 12) continue;
+    prefix.replace(4, 4, LittleEndian(static_cast<uint32_t>(size - 8)));
+    const std::string message = refusal(prefix);
+    EXPECT_TRUE(message.starts_with("QIRF") || (message == "accepted" && size >= optionalStart))
+        << message;
+  }
+}
+
 // What a function writes to its stream.
 template <typename Function>
 std::string BytesOf(Function&& write) {

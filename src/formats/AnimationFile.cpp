@@ -15,7 +15,7 @@ constexpr size_t kFrameHeaderBytes = 16;  // tag, length, version, number
 
 void WriteInfo(std::ostream& out, const AnimationHeader& header) {
   // A range that ends before it begins counts down below zero. Pinned by
-  // AnimationWriter.RangeThatEndsBeforeItBeginsHasNoFrames.
+  // AnimationFile.RangeThatEndsBeforeItBeginsHasNoFrames.
   const uint32_t frameCount =
       static_cast<uint32_t>(header.lastFrame) - static_cast<uint32_t>(header.firstFrame) + 1;
   ChunkScope info(out, "INFO", kAnimationInfoVersion);

@@ -42,26 +42,6 @@ inline GenericMeshInfluence& AddChunkInfluence(IndexedMesh& mesh) {
   return *mesh.influences.back();
 }
 
-// Two chunks, three bones, two attachment points: everything that a skinned mesh file can hold.
-inline ExIndexedMesh SkinnedMesh() {
-  ExIndexedMesh mesh;
-  mesh.chunks.push_back(TriangleChunk("skin.m.onetex"));
-  mesh.chunks.back().material.properties = {{"sound", "metal"}};
-  mesh.chunks.back().material.maps = {{.channel = kDiffuse, .fileName = "a.texture", .amount = 1},
-                                      {.channel = kBump, .fileName = "b.texture", .amount = 0.5f}};
-  mesh.chunks.push_back(TriangleChunk("hide.m.gloss.tbump"));
-  mesh.chunks.back().tangents = {{1, 0, 0}, {1, 0, 0}, {1, 0, 0}};
-  GenericMeshInfluence& first = AddChunkInfluence(mesh);
-  AddInfluence(first, "b.hip", {{0, 1.0f, {1, 1, 1}}, {1, 0.25f, {}}, {2, 0, {}}});
-  AddInfluence(first, "b.Knee", {{1, 0.75f, {}}}, "b.hip");
-  AddInfluence(first, "b.toe", {}, "b.Knee");
-  GenericMeshInfluence& second = AddChunkInfluence(mesh);
-  AddInfluence(second, "b.knee", {{2, 1.0f, {}}}, "b.hip");
-  mesh.attachmentPoints = {{{Vec3{1, 2, 3}, {4, 5, 6}, {7, 8, 9}}, {10, 11, 12}, "muzzle"},
-                           {{}, {}, "hatch"}};
-  return mesh;
-}
-
 struct WrittenMesh {
   std::string bytes;
   std::vector<std::string> log;
