@@ -35,38 +35,50 @@ Function* Entry(const char* name) {
   return reinterpret_cast<Function*>(FindSymbol(library, name));
 }
 
-// A host's dialogs, answered by a test; they keep the calls and the log.
+// A host's dialogs, answered by a test; they keep the calls, the log and the outcome.
 class ScriptedDialogs : public ExportDialogs {
  public:
   std::function<bool(Options&)> onOptions = [](Options&) { return true; };
+  std::function<void()> onMessages = [] {};
   std::function<void()> onWait = [] {};
   ButtonResult answer = ButtonResult::None;
   bool canPrompt = true;
-  std::vector<std::string> log;    // "info: ...", "warning: ...", "error: ..."
-  std::vector<std::string> calls;  // "options", "open", "wait", "close", "ask"
+  std::vector<std::string> log;  // "info: ...", "warning: ...", "error: ..."
+  std::string calls;             // "options open ask wait close ended"
+  ExportOutcome outcome;
 
   bool ShowOptions(int, Options& options) override {
-    calls.push_back("options");
+    calls += "options ";
     return onOptions(options);
   }
-  void OpenLog(int) override { calls.push_back("open"); }
+  void OpenLog(int) override { calls += "open "; }
   void Log(Severity severity, const char* text) override {
     const char* const labels[] = {"info: ", "warning: ", "error: "};
     log.push_back(labels[static_cast<int>(severity)] + std::string(text));
   }
+  void HandleMessages() override { onMessages(); }
   void WaitForLogClosed(int) override {
-    calls.push_back("wait");
+    calls += "wait ";
     onWait();
   }
-  void CloseLog() override { calls.push_back("close"); }
+  void CloseLog() override { calls += "close "; }
   ButtonResult Ask(int, const char*, const char*) override {
-    calls.push_back("ask");
+    calls += "ask ";
     return answer;
   }
   bool CanPrompt() override { return canPrompt; }
+  void ExportEnded(const ExportOutcome& ended) override {
+    calls += "ended";
+    outcome = ended;
+  }
 
   bool Logged(const std::string& line) const {
     return std::find(log.begin(), log.end(), line) != log.end();
+  }
+  std::string LogText() const {
+    std::string text;
+    for (const std::string& line : log) text += line + "\n";
+    return text;
   }
 };
 
@@ -82,7 +94,10 @@ class Plugin {
   Plugin(const Plugin&) = delete;
 
   int Export(host::Scene& scene, const std::string& name, DWORD options = 0) {
-    host::MemoryHost host(scene);
+    progress.clear();
+    host::MemoryHost host(scene, [this](int percent, const char* title) {
+      progress += std::to_string(percent) + " " + (title ? title : "(gone)") + "\n";
+    });
     HostServices services;
     services.core = &host;
     services.dialogs = &dialogs;
@@ -90,10 +105,12 @@ class Plugin {
     Entry<UseHostServicesFunction>("UseHostServices")(&services);
     dialogs.log.clear();
     dialogs.calls.clear();
+    dialogs.outcome = {};
     return exporter->DoExport(name.c_str(), nullptr, &host, FALSE, options);
   }
 
   ScriptedDialogs dialogs;
+  std::string progress;  // of the host's bar, a line for each call: "50 Merging meshes"
   std::unique_ptr<SceneExport> exporter;
 
  private:

@@ -5,16 +5,13 @@
 namespace orv {
 namespace {
 
-TEST(Entry, LibraryAnswersAsTheHostExpects) {
+TEST(Entry, LibraryAndItsClassAnswerAsTheHostExpects) {
   EXPECT_STREQ(Entry<const char*()>("LibDescription")(),
                "Max plug-in for exporting to Dunmere Velmor");
   EXPECT_EQ(Entry<int()>("LibNumberClasses")(), 1);
   EXPECT_EQ(Entry<ULONG()>("LibVersion")(), 0x36B02600u);
   EXPECT_EQ(Entry<ULONG()>("CanAutoDefer")(), 1u);
   EXPECT_EQ(Entry<ClassDesc*(int)>("LibClassDesc")(1), nullptr);
-}
-
-TEST(Entry, DescriptorNamesTheExporter) {
   const std::unique_ptr<ClassDesc> descriptor(Entry<ClassDesc*(int)>("LibClassDesc")(0));
   EXPECT_EQ(descriptor->IsPublic(), 1);
   EXPECT_EQ(descriptor->SuperClassID(), 0xA20u);
@@ -24,37 +21,38 @@ TEST(Entry, DescriptorNamesTheExporter) {
   EXPECT_NE(descriptor->HInstance(), nullptr);
 }
 
-TEST(Entry, ExporterListsItsFileTypes) {
+TEST(Entry, ExporterSaysWhatItIs) {
   Plugin plugin("");
-  EXPECT_EQ(plugin.exporter->ExtCount(), 2);
-  const char* const expected[] = {"", "IM", "KIN", ""};
-  for (int n = -1; n <= 2; ++n) EXPECT_STREQ(plugin.exporter->Ext(n), expected[n + 1]) << n;
-  EXPECT_EQ(plugin.exporter->Version(), 100u);
-  for (const int extension : {0, 1}) {
-    EXPECT_EQ(plugin.exporter->SupportsOptions(extension, 0), 0);
-    EXPECT_EQ(plugin.exporter->SupportsOptions(extension, 1), 1);
-    EXPECT_EQ(plugin.exporter->SupportsOptions(extension, 3), 1);
-  }
-}
-
-TEST(Entry, TextsShareABufferButForTwo) {
-  Plugin plugin("");
+  SceneExport& exporter = *plugin.exporter;
+  const std::string types = std::string(exporter.Ext(0)) + "," + exporter.Ext(1);
+  EXPECT_EQ(types + exporter.Ext(-1) + exporter.Ext(2), "IM,KIN");
+  EXPECT_EQ(exporter.ExtCount(), 2);
+  EXPECT_EQ(exporter.Version(), 100u);
+  for (const int extension : {0, 1})
+    for (const int options : {0, 1, 3})
+      EXPECT_EQ(exporter.SupportsOptions(extension, options), options & 1);
+  // Texts share a buffer but for two.
   const std::unique_ptr<ClassDesc> descriptor(Entry<ClassDesc*(int)>("LibClassDesc")(0));
-  const char* className = descriptor->ClassName();
-  EXPECT_STREQ(className, "Velmor Exporter");
-  EXPECT_EQ(plugin.exporter->AuthorName(), className);
-  EXPECT_STREQ(className, "DUNMERE");
-  const char* longDescription = plugin.exporter->LongDesc();
-  EXPECT_STREQ(plugin.exporter->ShortDesc(), "Velmor format");
-  EXPECT_STREQ(plugin.exporter->OtherMessage1(), " ");
-  EXPECT_STREQ(plugin.exporter->OtherMessage2(), " ");
+  const char* const shared = descriptor->ClassName();
+  EXPECT_STREQ(shared, "Velmor Exporter");
+  EXPECT_EQ(exporter.AuthorName(), shared);
+  EXPECT_STREQ(shared, "DUNMERE");
+  const char* const longDescription = exporter.LongDesc();
+  EXPECT_STREQ(exporter.ShortDesc(), "Velmor format");
+  EXPECT_EQ(std::string(exporter.OtherMessage1()) + exporter.OtherMessage2(), "  ");
   EXPECT_STREQ(longDescription, "A format readable by the Dunmere Velmor");
 }
 
-TEST(Entry, ServicesOfAnotherVersionAreRefused) {
+TEST(Entry, ServicesAreTakenInTheirOwnVersionOnly) {
+  const auto use = Entry<UseHostServicesFunction>("UseHostServices");
+  ExportDialogs* windows = nullptr;
   HostServices services;
+  services.ownDialogs = &windows;
+  EXPECT_EQ(use(&services), 1);
+  EXPECT_NE(windows, nullptr);
   services.size += 8;
-  EXPECT_EQ(Entry<UseHostServicesFunction>("UseHostServices")(&services), 0);
+  EXPECT_EQ(use(&services), 0);
+  EXPECT_EQ(use(nullptr), 1);
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 #include "platform/Platform.h"
 #include "platform/ReplacingFile.h"
 #include "platform/StringTable.h"
-#include "shell/RailcarExport.h"
+#include "shell/Railcar.h"
 
 namespace orv {
 namespace {
