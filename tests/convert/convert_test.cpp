@@ -1,12 +1,9 @@
 #include "convert/Convert.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstring>
 #include <limits>
 
-#include "TemporaryFolder.h"
+#include "Recorded.h"
+#include "convert/GlbText.h"
 #include "formats/SampleMeshes.h"
 
 namespace orv::convert {
@@ -14,46 +11,23 @@ namespace {
 
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 constexpr float kHalf = 0.70710678f;
+const Matrix33 kUnturned{Vec3{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
+const Matrix33 kQuarterTurn{Vec3{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}};  // x becomes y
+const Matrix33 kMirrored{Vec3{-1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
 
-using Numbers = std::vector<double>;
-
-void ExpectNear(const Numbers& numbers, const Numbers& expected) {
-  ASSERT_EQ(numbers.size(), expected.size());
-  for (size_t i = 0; i < numbers.size(); ++i) EXPECT_NEAR(numbers[i], expected[i], 1e-5) << i;
-}
-
-struct Converted {
-  GlbDocument document;
+// The whole .glb file and the messages, held against recorded/NAME.txt.
+void ExpectConverted(const std::string& name, const IndexedMeshFile& file,
+                     const AnimationFile* animation, const TemporaryFolder& folder,
+                     std::optional<double> metresPerUnit = 0.01) {
   Messages messages;
-
-  const Json& Node(const std::string& name) const {
-    for (const Json& node : document.Content()["nodes"])
-      if (node["name"] == name) return node;
-    throw std::runtime_error("no node " + name);
-  }
-  const Json& Attributes() const {
-    return document.Content()["meshes"][0]["primitives"][0]["attributes"];
-  }
-  Numbers Floats(const Json& accessor) const {
-    const Json& entry = document.Content()["accessors"][accessor.get<size_t>()];
-    const Json& view = document.Content()["bufferViews"][entry["bufferView"].get<size_t>()];
-    std::vector<float> values(view["byteLength"].get<size_t>() / 4);
-    std::memcpy(values.data(), document.Binary().data() + view["byteOffset"].get<size_t>(),
-                values.size() * 4);
-    return {values.begin(), values.end()};
-  }
-};
-
-Converted ConvertOf(const IndexedMeshFile& file, const AnimationFile* animation = nullptr,
-                    const std::string& folder = "/nowhere") {
-  Converted result;
-  result.document = Convert({.mesh = file,
-                             .animation = animation,
-                             .name = "model",
-                             .textureFolder = folder,
-                             .metresPerUnit = 0.01},
-                            result.messages);
-  return result;
+  std::ostringstream glb;
+  const GlbDocument document =
+      Convert({file, animation, "model", folder.File(""), metresPerUnit}, messages);
+  EXPECT_TRUE(document.Write(glb));
+  std::string text = GlbText(glb.str());
+  for (const std::string& line : messages.notes) text += "note: " + line + "\n";
+  for (const std::string& line : messages.mended) text += "mended: " + line + "\n";
+  ExpectRecorded(text, ORV_RECORDED "/" + name + ".txt");
 }
 
 IndexedMeshFile FileOf(std::vector<IndexedMesh::Chunk> chunks) {
@@ -63,134 +37,187 @@ IndexedMeshFile FileOf(std::vector<IndexedMesh::Chunk> chunks) {
   return file;
 }
 
-// A quarter turn about z for the hip, whose parent is not in the file; the knee is unturned.
+void AddBone(GenericMeshInfluence& influence, const std::string& name, const std::string& parent,
+             Vec3 position, const Matrix33& rotation, std::vector<VertexWeight> weights) {
+  influence.AddBone(
+      std::make_unique<GenericBoneInfluence>(name, parent, position, Matrix33{rotation}));
+  influence.m_bones.back()->m_weights = std::move(weights);
+}
+
+MaterialMap Map(int32_t channel, const std::string& name, float amount = 1) {
+  return {.channel = channel, .fileName = name, .amount = amount};
+}
+
+// A pixel, blue first.
+std::string Tga(const std::string& pixel) {
+  const char bits = static_cast<char>(8 * pixel.size());
+  return std::string("\0\0\2\0\0\0\0\0\0\0\0\0\1\0\1\0", 16) + bits + (bits == 32 ? '\x08' : '\0') +
+         pixel;
+}
+
+// The hip's parent is not in the file: it stands at (0, 0, 3), which only the knee's vertices can
+// tell, the fin where its own do, mirrored, the prop where the animation begins, the tail nowhere.
 IndexedMeshFile SkinFile() {
-  IndexedMeshFile file = FileOf({TriangleChunk()});
-  GenericMeshInfluence& influence = AddChunkInfluence(file.mesh);
-  const Matrix33 turn{Vec3{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}};
-  influence.AddBone(std::make_unique<GenericBoneInfluence>("b.hip", "rig", Vec3{}, Matrix33{turn}));
-  influence.AddBone(std::make_unique<GenericBoneInfluence>(
-      "b.knee", "B.Hip", Vec3{1, 0, 0}, Matrix33{Vec3{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}));
-  // In the world the hip is at (0, 0, 3), which only the knee's vertices can tell.
-  influence.m_bones[0]->m_weights = {{1, 0.25f, {0, -1, -3}}, {2, 0.5f, {1, 0, -3}}};
-  influence.m_bones[1]->m_weights = {
-      {0, 1, {-1, 0, -3}}, {1, 0.75f, {-1, -1, -3}}, {2, 0.5f, {0, 0, -3}}};
+  IndexedMeshFile file = FileOf(std::vector<IndexedMesh::Chunk>(4, TriangleChunk()));
+  auto& [skin, leaf, fin, pane] = *reinterpret_cast<IndexedMesh::Chunk(*)[4]>(&file.mesh.chunks[0]);
+  skin.material.name = "h\xE4ut m.onetex.tbump";
+  skin.material.maps = {Map(kDiffuse, "C:\\a/skin.texture"), Map(kBump, "bump.texture", 0.5f),
+                        Map(kSelfIllumination, "glow.png"), Map(kSpecular, "not.looked.for", 2)};
+  skin.material.diffuse = {};
+  skin.vertices[1].u = 0.25f;
+  skin.normals = {{0, 0, 1}, {0, 0.6f, 0.8f}, {0.6f, 0, 0.8f}};
+  skin.tangents = {{1, 0, 0}, {0, 0.8f, -0.6f}, {0.8f, 0, -0.6f}};
+  leaf.material.maps = {Map(kDiffuse, "leaf-mask.texture")};
+  leaf.material.shininess = 250;
+  fin.material = leaf.material;
+  fin.vertices.push_back({0, 0, 1, 0.5f, 0.5f});
+  fin.normals.push_back({0, 0, 1});
+  fin.triangles.push_back({0, 2, 3});
+  pane.material.name = "pane m.gloss";
+  pane.material.maps = {Map(kDiffuse, "pane-pane.texture")};
+  pane.material.diffuse = {2, 0.5f, -1};
+
+  GenericMeshInfluence& first = AddChunkInfluence(file.mesh);
+  AddBone(first, "b.hip", "rig", {}, kQuarterTurn, {{1, 0.1f, {0, -1, -3}}, {2, 0.5f, {1, 0, -3}}});
+  AddBone(first, "b.knee", "B.Hip", {1, 0, 0}, kUnturned,
+          {{0, 1, {-1, 0, -3}}, {1, 0.45f, {-1, -1, -3}}, {2, 0.5f, {0, 0, -3}}});
+  for (const float weight : {0.2f, 0.15f, 0.1f}) {
+    AddBone(first, "b.toe" + std::to_string(first.m_bones.size() - 1), "b.knee", {0, 0, 1},
+            kUnturned, {{1, weight, {}}});
+  }
+  GenericMeshInfluence& second = AddChunkInfluence(file.mesh);
+  AddBone(second, "b.prop", "rig", {7, 7, 7}, kUnturned, {{0, 1, {}}, {1, 1, {}}});
+  AddBone(second, "b.tail", "rig", {0, 5, 0}, kUnturned, {});
+  AddBone(AddChunkInfluence(file.mesh), "b.fin", "rig", {}, kUnturned,
+          {{0, 1, {2, 0, 0}}, {1, 1, {1, 0, 0}}, {2, 1, {2, 1, 0}}, {3, 1, {2, 0, 1}}});
+  AddChunkInfluence(file.mesh);
+  file.mesh.attachmentPoints = {{kQuarterTurn,
+                                 {1, 2, 3},
+                                 "l\xFC"
+                                 "cke"},
+                                {kMirrored, {}, "twin"}};
   return file;
 }
 
-// At rest a skin stands as it is stored, whatever the animation's first frame says; y is up.
-TEST(Convert, SkinAtRestIsTheStoredPose) {
-  AnimationFile animation;
-  animation.frameCount = 1;
-  animation.frameRate = 4;
-  animation.masterScale = 0.01f;
-  animation.bones = {{"b.hip", -1}, {"b.knee", 0}};
-  animation.poses.resize(2);
-  animation.events = {{1, 0, "step"}};
-  const IndexedMeshFile file = SkinFile();
-  const Converted converted = ConvertOf(file, &animation);
-  ExpectNear(converted.Node("b.hip")["translation"], {0, 3, 0});
-  ExpectNear(converted.Node("b.hip")["rotation"], {0, kHalf, 0, kHalf});
-  ExpectNear(converted.Node("b.knee")["translation"], {1, 0, 0});
-  EXPECT_EQ(converted.document.Content()["animations"][0]["extras"]["events"],
-            Json({{{"frame", 1}, {"time", 0.25}, {"type", "Sound_Event"}, {"name", "step"}}}));
-  const Json& skin = converted.document.Content()["skins"][0];
-  EXPECT_EQ(skin["joints"], Json({0, 1}));
-  ExpectNear(converted.Floats(converted.Attributes()["WEIGHTS_0"]),
-             {1, 0, 0, 0, 0.75, 0.25, 0, 0, 0.5, 0.5, 0, 0});
-  EXPECT_EQ(converted.messages.mended, std::vector<std::string>());
-}
-
-auto& BonesOf(IndexedMeshFile& file) { return file.mesh.influences[0]->m_bones; }
-
-struct DamageCase {
-  void (*damage)(IndexedMeshFile&);
-  const char* message;
-};
-
-TEST(Convert, WhatIsForbiddenIsMended) {
-  const DamageCase cases[] = {
-      {[](auto& file) { file.mesh.chunks[0].vertices[1].y = kNaN; },
-       "chunk 0: 1 positions that are not finite put at the origin"},
-      {[](auto& file) { file.mesh.chunks[0].normals[0].x = kNaN; },
-       "chunk 0: 1 normals that were not of unit length made so"},
-      {[](auto& file) {
-         file.mesh.chunks[0].triangles.push_back({1, 1, 2});
-       },
-       "chunk 0: 1 triangles with a vertex twice left out"},
-      {[](auto& file) {
-         BonesOf(file)[0]->m_weights.push_back({3, 1, {}});
-       },
-       "chunk 0: 1 weights of vertices that it lacks left out"},
-      {[](auto& file) {
-         BonesOf(file)[0]->m_weights.push_back({1, kNaN, {}});
-       },
-       "chunk 0: 1 weights below 0 or not finite left out"},
-      {[](auto& file) {
-         BonesOf(file)[1]->m_weights[1].weight = 0.5f;
-         BonesOf(file)[1]->m_weights.push_back({1, 0.25f, {-1, -1, -3}});
-       },
-       "chunk 0: 1 vertices follow a bone twice, weights added up"},
-      {[](auto& file) { BonesOf(file)[0]->m_weights[0].weight = 0.5f; },
-       "chunk 0: 1 vertices with weights that do not sum to 1, scaled"},
-      {[](auto& file) { BonesOf(file)[1]->m_weights.erase(BonesOf(file)[1]->m_weights.begin()); },
-       "chunk 0: 1 vertices follow no bone, bound to one that stands still"},
-      {[](auto& file) { BonesOf(file)[1]->m_rotation = {}; },
-       "bone b.knee: has no usable rotation or position, stands at its parent's"},
-      {[](auto& file) { BonesOf(file)[0]->m_parentName = "b.knee"; },
-       "bone b.hip: stands below itself, now below nothing"},
-      {[](auto& file) {
-         file.mesh.attachmentPoints = {{{}, {kNaN, 0, 0}, "hatch"}};
-       },
-       "attachment point hatch: has no usable rotation or position, stands at the origin"},
-  };
-  for (const DamageCase& damage : cases) {
-    IndexedMeshFile file = SkinFile();
-    damage.damage(file);
-    const Converted converted = ConvertOf(file);
-    EXPECT_EQ(converted.messages.mended, std::vector<std::string>{damage.message});
-    const Json& attributes = converted.Attributes();
-    for (const double value : converted.Floats(attributes["POSITION"])) EXPECT_EQ(value, value);
-    const Numbers normals = converted.Floats(attributes["NORMAL"]);
-    for (size_t i = 0; i < normals.size(); i += 3)
-      EXPECT_NEAR(std::hypot(normals[i], normals[i + 1], normals[i + 2]), 1, 1e-5);
-    const Numbers weights = converted.Floats(attributes["WEIGHTS_0"]);
-    for (size_t i = 0; i < weights.size(); i += 4)
-      EXPECT_NEAR(weights[i] + weights[i + 1] + weights[i + 2] + weights[i + 3], 1, 1e-6);
+// Bones of the skin in another tree and another case, and one that the skin lacks.
+AnimationFile SkinAnimation() {
+  AnimationFile file;
+  file.name = "walk";
+  file.frameCount = 3;
+  file.frameRate = 4;
+  file.masterScale = 0.01f;
+  file.events = {{1, 0, "step"}, {2, 12, "odd"}};
+  file.bones = {{"b.hip", -1}, {"B.KNEE", 0}, {"b.toe1", 0}, {"b.prop", 0}, {"b.extra", 3}};
+  for (int frame = 0; frame < 3; ++frame) {
+    const float sign = frame == 1 ? -1 : 1;
+    file.poses.push_back({{0, 0, 300}, {0, 0, -kHalf * sign, kHalf * sign}});
+    for (float bone = 1; bone < 5; ++bone) {
+      file.poses.push_back({{100 * bone, 10.0f * static_cast<float>(frame), 300}, {}});
+    }
   }
+  file.poses[11].rotation = {1, 0, 0, 0};
+  file.poses[13].position.x = kNaN;
+  return file;
 }
 
-// One blue, half transparent pixel.
-const std::string kTga =
-    std::string("\0\0\2\0\0\0\0\0\0\0\0\0\1\0\1\0\x20\x08", 18) + std::string("\xFF\0\0\x80", 4);
+TEST(Convert, SkinWithAnimationAndPictures) {
+  const TemporaryFolder folder;
+  const std::pair<const char*, std::string> files[] = {
+      {"Skin.texture.txt", "Primary=SKIN.png\nTile=s\n"},
+      {"skin.PNG", "\x89PNG\r\n\x1A\nnot looked into"},
+      {"bump.texture.txt", "Primary=bump.tga\n"},
+      {"bump.tga", Tga("\x80\x80\xFF")},
+      {"glow.png", "\xFF\xD8\xFFnot looked into"},
+      {"leaf-mask.texture.txt", "Primary=leaf.tga\nAlpha=mask.tga\nTile=t\n"},
+      {"leaf.tga", Tga("\1\2\3")},
+      {"mask.tga", Tga("\x40\x40\x40")},
+      {"pane-pane.texture.txt", "Primary=pane.tga\nAlpha=PANE.tga\n"},
+      {"pane.tga", Tga("\xFF\1\2\x80")}};
+  for (const auto& [name, content] : files) WriteContent(folder.File(name), content);
+  const AnimationFile animation = SkinAnimation();
+  ExpectConverted("skin", SkinFile(), &animation, folder);
+}
 
-TEST(Convert, TexturesAreFoundBesideTheModel) {
-  TemporaryFolder folder;
-  const std::string png = "\x89PNG\r\n\x1A\nnot looked into";
-  WriteContent(folder.File("Wall.texture.txt"), "Primary=WALL.png\nTile=s\n");
-  WriteContent(folder.File("wall.PNG"), png);
-  WriteContent(folder.File("pane-pane.texture.txt"), "Primary=pane.tga\nAlpha=pane.tga\n");
-  WriteContent(folder.File("pane.tga"), kTga);
-  std::filesystem::create_directory(folder.File("roof.bmp"));
+TEST(Convert, RigidModelWithoutUnit) {
+  IndexedMeshFile file = FileOf(std::vector<IndexedMesh::Chunk>(4, TriangleChunk()));
+  file.bones = {{"b.root", -1}, {"b.arm", 0}, {"b.hand", 1}};
+  file.bonePoses = {
+      {{0, 0, 1}, {}}, {{2, 0, 0}, {0, 0, -kHalf, kHalf}}, {{0, 0.5f, 0}, {kHalf, 0, 0, kHalf}}};
+  file.chunks[0].boneName = "B.Hand";
+  file.chunks[1].boneName = "b.gone";
+  file.mesh.chunks[1].material.maps = {Map(kDiffuse, "gone.texture")};
+  GenericMaterial& glass = file.mesh.chunks[2].material;
+  glass.twoSided = 1;
+  glass.opacity = 0.5f;
+  glass.ambient = {0.1f, 0.2f, 0.3f};
+  glass.diffuse = {0.4f, 0.5f, 0.6f};
+  glass.specular = {0.7f, 0.8f, 0.9f};
+  glass.emissive = {0.15f, 0.25f, 0.35f};
+  glass.name = "glass m.notex";
+  glass.properties = {{"sound", "metal"}};
+  file.mesh.chunks[3].triangles.clear();
+  ExpectConverted("rigid", file, nullptr, TemporaryFolder(), std::nullopt);
+}
+
+// One of everything that glTF forbids.
+TEST(Convert, WhatIsForbiddenIsMended) {
+  IndexedMeshFile file = FileOf(std::vector<IndexedMesh::Chunk>(3, TriangleChunk()));
+  IndexedMesh::Chunk& chunk = file.mesh.chunks[0];
+  chunk.vertices.push_back({0, 2, 0, kNaN, 1});
+  chunk.vertices[0].y = kNaN;
+  chunk.triangles = {{0, 1, 2}, {1, 1, 2}, {1, 2, 3}, {3, 2, 1}};
+  chunk.normals = {{0, 0, 1}, {}, {0, 2, 0}, {kNaN, 0, 0}};
+  chunk.tangents = {{}, {0, 3, 0}, {1, 0, 0}, {0, 0, kNaN}};
+  chunk.material.opacity = kNaN;
+  chunk.material.shininess = kNaN;
+  chunk.material.maps = {Map(kDiffuse, "gone.texture"), Map(kBump, "empty.texture"),
+                         Map(kSelfIllumination, "roof.bmp")};
+  file.mesh.chunks[1].material.maps = {Map(kDiffuse, "cycle.bmp"), Map(kBump, "text.bmp"),
+                                       Map(kSelfIllumination, "half-gone.texture")};
+  file.mesh.chunks[2].triangles.clear();
+  GenericMeshInfluence& influence = AddChunkInfluence(file.mesh);
+  for (int i = 0; i < 18; ++i) {
+    AddBone(influence, "b." + std::to_string(i),
+            i == 0   ? "b.1"
+            : i == 1 ? "b.0"
+                     : "b.1",
+            {1, 0, 0}, i == 2 ? Matrix33{} : kUnturned,
+            {{0, 0.01f * static_cast<float>(i + 1), {}}});
+  }
+  auto& weights = influence.m_bones[4]->m_weights;
+  weights.insert(weights.end(), {{1, 0.25f, {}}, {1, 0.5f, {}}, {2, 0.5f, {}}});
+  weights.insert(weights.end(), {{4, 1, {}}, {2, -1, {}}, {2, kNaN, {}}});
+  influence.m_bones[5]->m_weights.push_back({1, 0.25f, {}});
+  AddChunkInfluence(file.mesh);
+  AddChunkInfluence(file.mesh);
+  file.mesh.attachmentPoints = {{kUnturned, {kNaN, 0, 0}, "hatch"},
+                                {{}, {1, 2, 3}, "flat"},
+                                {kUnturned, {3e30f, 0, 0}, "far"}};
+  AnimationFile animation;
+  animation.frameCount = 2;
+  animation.masterScale = kNaN;
+  animation.bones = {{"b.7", -1}};
+  animation.poses = {{{kNaN, 0, 0}, {}}, {{100, 0, 0}, {}}};
+  const TemporaryFolder folder;
+  WriteContent(folder.File("empty.texture.txt"), "Tile=st\n");
   std::filesystem::create_symlink("cycle.bmp", folder.File("cycle.bmp"));
-  IndexedMeshFile file = FileOf(std::vector<IndexedMesh::Chunk>(5, TriangleChunk()));
-  const char* const names[] = {"/x/wall.texture", "/x/pane-pane.texture", "/x/gone.texture",
-                               "roof.bmp", "cycle.bmp"};
-  for (size_t i = 0; i < std::size(names); ++i)
-    file.mesh.chunks[i].material.maps = {{.channel = kDiffuse, .fileName = names[i], .amount = 1}};
-  const Converted converted = ConvertOf(file, nullptr, folder.File(""));
-  const Json& content = converted.document.Content();
-  ASSERT_EQ(content["images"].size(), 2u);
-  EXPECT_NE(converted.document.Binary().find(png), std::string::npos);
-  EXPECT_EQ(content["images"][1]["mimeType"], "image/png");
-  EXPECT_EQ(content["materials"][1]["alphaMode"], "BLEND");
-  EXPECT_FALSE(content["materials"][0].contains("alphaMode"));
-  EXPECT_EQ(content["samplers"][0], Json({{"wrapS", 10497}, {"wrapT", 33071}}));
-  EXPECT_EQ(converted.messages.mended,
-            (std::vector<std::string>{
-                "gone.texture.txt: is not beside the model, its texture is left out",
-                "roof.bmp: is not beside the model, left out",
-                "cycle.bmp: Too many levels of symbolic links, left out"}));
+  WriteContent(folder.File("text.bmp"), "I am a text");
+  WriteContent(folder.File("half-gone.texture.txt"), "Primary=half.tga\nAlpha=gone.tga\n");
+  WriteContent(folder.File("half.tga"), Tga("\1\2\3"));
+  ExpectConverted("mended", file, &animation, folder);
+}
+
+// 65535 is not allowed as a short index.
+TEST(Convert, IndicesAreAsShortAsTheyCanBe) {
+  for (const auto& [vertices, type] : {std::pair(65535, 5123), {65536, 5125}}) {
+    IndexedMeshFile file = FileOf({TriangleChunk()});
+    file.mesh.chunks[0].vertices.resize(static_cast<size_t>(vertices));
+    file.mesh.chunks[0].normals.resize(static_cast<size_t>(vertices), {0, 0, 1});
+    Messages messages;
+    const Json content = Convert(Source{file, nullptr, "", "", 1}, messages).Content();
+    const size_t indices = content["meshes"][0]["primitives"][0]["indices"];
+    EXPECT_EQ(content["accessors"][indices]["componentType"], type) << vertices;
+  }
 }
 
 }  // namespace

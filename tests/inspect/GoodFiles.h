@@ -3,9 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "formats/AnimationFile.h"
 #include "formats/SampleMeshes.h"
-#include "inspect/Checks.h"
 
 // Files in which nothing is to be found, for the tests to damage.
 namespace orv::inspect {
@@ -62,45 +60,6 @@ inline AnimationFile GoodAnimationFile() {
   ReadProblem problem;
   EXPECT_TRUE(ReadAnimation(GoodAnimationBytes(), file, problem)) << problem.Message();
   return file;
-}
-
-using Lines = std::vector<std::string>;
-
-inline Lines LinesOf(const Findings& findings) {
-  Lines lines;
-  for (const Finding& finding : findings) lines.push_back(LineOf(finding));
-  return lines;
-}
-
-template <typename File>
-struct DamageCase {
-  void (*damage)(File&);
-  std::string codes;  // "PLACE CODE; PLACE CODE"
-};
-
-// Holds what the checks find in a good file after each damage against what they have to find.
-template <typename File>
-void ExpectFound(File (*good)(), std::initializer_list<DamageCase<File>> cases) {
-  for (const auto& [damage, expected] : cases) {
-    File file = good();
-    damage(file);
-    Findings findings;
-    CheckStructure(file, findings);
-    CheckContent(file, findings);
-    std::string codes;
-    for (const Finding& finding : findings) {
-      codes += (codes.empty() ? "" : "; ") + finding.place.path + " " + InfoOf(finding.code).name;
-    }
-    EXPECT_EQ(codes, expected);
-  }
-}
-
-// Short names for what the cases damage.
-inline IndexedMesh::Chunk& ChunkOf(IndexedMeshFile& file, size_t number = 0) {
-  return file.mesh.chunks[number];
-}
-inline std::vector<VertexWeight>& WeightsOf(IndexedMeshFile& file, size_t bone) {
-  return file.mesh.influences[0]->m_bones[bone]->m_weights;
 }
 
 }  // namespace orv::inspect
