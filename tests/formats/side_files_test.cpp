@@ -23,35 +23,36 @@ TEST(MaterialName, SuffixFollowsTheMaps) {
     std::vector<MaterialMap> maps;
     const char *name, *withoutBillboards;
   } cases[] = {
-      {{}, "woodm.notex", "woodm.notex"},
-      {{Map(kBump, "n.tga")}, "woodm.notex", "woodm.notex"},
-      {{Map(kDiffuse, "w.tga")}, "woodm.onetex", "woodm.onetex"},
-      {{reflection, Map(kOpacity, "a.tga")}, "woodm.gloss", "woodm.gloss"},
-      {{Map(kDiffuse, "w-a.texture"), reflection}, "woodm.gloss", "woodm.gloss"},
-      {{Map(kDiffuse, "a-b/w.texture"), reflection}, "woodm.gloss", "woodm.gloss"},
-      {{Map(kDiffuse, "w.texture"), reflection}, "woodm.reflect", "woodm.reflect"},
-      {{Map(kDiffuse, "w-a.tga"), reflection}, "woodm.reflect", "woodm.reflect"},
-      {{Map(kBump, "w-a.texture"), reflection}, "woodm.reflect", "woodm.reflect"},
-      {{Map(kDiffuse, "tb_leaf.tga")}, "woodm.tribillboard", "woodm.onetex"},
-      {{Map(kDiffuse, "sb_leaf.tga")}, "woodm.billboard", "woodm.onetex"},
-      {{Map(kDiffuse, "sb_tb_leaf.tga")}, "woodm.tribillboard", "woodm.onetex"},
-      {{Map(kDiffuse, "TB_leaf.tga")}, "woodm.onetex", "woodm.onetex"},
-      {{Map(kAmbient, "tb_leaf.tga")}, "woodm.notex", "woodm.notex"},
-      {{Map(kDiffuse, "tb_leaf.tga"), reflection}, "woodm.reflect", "woodm.reflect"},
+      {{}, "notex", "notex"},
+      {{Map(kBump, "n.tga")}, "notex", "notex"},
+      {{Map(kDiffuse, "w.tga")}, "onetex", "onetex"},
+      {{reflection, Map(kOpacity, "a.tga")}, "gloss", "gloss"},
+      {{Map(kDiffuse, "w-a.texture"), reflection}, "gloss", "gloss"},
+      {{Map(kDiffuse, "a-b/w.texture"), reflection}, "gloss", "gloss"},
+      {{Map(kDiffuse, "w.texture"), reflection}, "reflect", "reflect"},
+      {{Map(kDiffuse, "w-a.tga"), reflection}, "reflect", "reflect"},
+      {{Map(kBump, "w-a.texture"), reflection}, "reflect", "reflect"},
+      {{Map(kDiffuse, "tb_leaf.tga")}, "tribillboard", "onetex"},
+      {{Map(kDiffuse, "sb_leaf.tga")}, "billboard", "onetex"},
+      {{Map(kDiffuse, "sb_tb_leaf.tga")}, "tribillboard", "onetex"},
+      {{Map(kDiffuse, "TB_leaf.tga")}, "onetex", "onetex"},
+      {{Map(kAmbient, "tb_leaf.tga")}, "notex", "notex"},
+      {{Map(kDiffuse, "tb_leaf.tga"), reflection}, "reflect", "reflect"},
   };
+  RecordingUserInterface ui;
   for (const auto& c : cases) {
-    RecordingUserInterface ui;
-    EXPECT_EQ(ComposeMaterialName(With(c.maps), "Wood", true, ui), c.name);
-    EXPECT_EQ(ComposeMaterialName(With(c.maps), "Wood", false, ui), c.withoutBillboards);
-    EXPECT_EQ(ui.log, Lines(2,
-                            "error: Material 'Wood' name is invalid.  Materials should be named "
-                            "and have a 'm.' material type suffix."));
+    EXPECT_EQ(ComposeMaterialName(With(c.maps), "Wood", true, ui), std::string("woodm.") + c.name);
+    EXPECT_EQ(ComposeMaterialName(With(c.maps), "Wood", false, ui),
+              std::string("woodm.") + c.withoutBillboards);
   }
+  EXPECT_EQ(ui.log, Lines(2 * std::size(cases),
+                          "error: Material 'Wood' name is invalid.  Materials should be named and "
+                          "have a 'm.' material type suffix."));
+  EXPECT_EQ(ComposeMaterialName(With({}), "Wood M.x m.Gloss", true, ui), "wood m.x m.gloss");
 }
 
 struct Export {
-  bool ask = true;
-  bool force = false;
+  bool ask = true, force = false;
   RecordingUserInterface ui;
 
   bool Write(GenericMaterial& material, const TemporaryFolder& folder) {
@@ -65,95 +66,138 @@ MaterialMap WithAlpha(MaterialMap map) {
 }
 
 TEST(SideFiles, OneFilePerMap) {
-  MaterialMap flipped = Map(kBump, "n.tga"), tiledAlongT = Map(kDiffuse, "w.tga");
+  MaterialMap flipped = Map(kBump, "n.tga"), alongT = Map(kDiffuse, "w.tga");
   flipped.flipGreen = true;
-  tiledAlongT.tileS = false;
+  alongT.tileS = false;
   const struct {
     std::vector<MaterialMap> maps;
     const char *file, *text;
   } cases[] = {
-      {{WithAlpha(Map(kDiffuse, "C:\\tex/wall.v2.tga")), WithAlpha(Map(kOpacity, "x/a.tga"))},
+      {{WithAlpha(Map(kOpacity, "x/a.tga")), WithAlpha(Map(kDiffuse, "C:\\tex/wall.v2.tga"))},
        "wall.v2-a",
        "Primary=wall.v2.tga\nAlpha=a.tga\nTile=st\n"},
       {{Map(kDiffuse, "first.tga"), Map(kDiffuse, "last.tga")},
        "last",
        "Primary=last.tga\nTile=st\n"},
       {{WithAlpha(Map(kSpecular, "s.tga"))}, "s-s", "Primary=s.tga\nAlpha=s.tga\nTile=st\n"},
-      {{tiledAlongT}, "w", "Primary=w.tga\nTile=t\n"},
+      {{alongT}, "w", "Primary=w.tga\nTile=t\n"},
       {{Map(kDiffuse, "NoTile_sky.tga")}, "NoTile_sky", "Primary=NoTile_sky.tga\n"},
       {{flipped}, "n", "Primary=n.tga\nTile=st\nNormalMapHint=normalmap\nModifyMap=flipgreen\n"},
   };
   for (const auto& c : cases) {
-    TemporaryFolder folder;
+    const TemporaryFolder folder;
     Export run;
     GenericMaterial material = With(c.maps);
     EXPECT_EQ(run.Write(material, folder), FindMap(material, kOpacity) != nullptr);
     const std::string path = folder.File(c.file + std::string(".texture"));
     EXPECT_EQ(ContentOf(path + ".txt"), c.text);
+    EXPECT_EQ(TextOf(ReadSideFile(path + ".txt")), c.text);
     EXPECT_EQ(folder.Count(), 1u);
-    const bool lastCounts = c.maps.back().channel != kOpacity;
-    EXPECT_EQ((lastCounts ? material.maps.back() : material.maps.front()).fileName, path);
+    EXPECT_EQ(material.maps.back().fileName, path);
+    Export again;  // it has its side file already
+    again.Write(material, folder);
+    EXPECT_EQ(again.ui.log, Lines());
   }
 }
 
-// The log and the flags after one material whose side file is there already.
-TEST(SideFiles, ExistingFile) {
+TEST(SideFiles, AreReadAsTheEngineReadsThem) {
+  const TemporaryFolder folder;
+  const auto read = [&](const char* text) {
+    WriteContent(folder.File("Wall.Texture.txt"), text);
+    return TextOf(ReadSideFile(*ModelFolder(folder.File("")).Find("wall.TEXTURE.TXT")));
+  };
+  EXPECT_EQ(read(" PRIMARY=a\\b/c.tga\r\nalpha=x/d.tga \r\nTile=ts\n#\nmodifymap=flipgreen\n"),
+            "Primary=c.tga\nAlpha=d.tga\nTile=st\n");
+  EXPECT_EQ(read("Primary=c.tga\nAlpha=\nTile=S\nNormalMapHint=normalmap"),
+            "Primary=c.tga\nNormalMapHint=normalmap\n");
+  EXPECT_EQ(ReadSideFile(folder.File("none")), SideFile());
+  std::filesystem::create_directory(folder.File("sub.png"));
+  EXPECT_EQ(ModelFolder(folder.File("")).Find("sub.png"), nullptr);
+}
+
+// Two materials whose side files are there already.
+TEST(SideFiles, ExistingFilesAreAskedForUntilTheAnswerIsForAll) {
   const struct {
     bool canPrompt, ask, force;
     Answer answer;
-    bool asked, overwritten, askAfter, forceAfter;
+    const char* log;
+    bool askAfter, forceAfter;
   } cases[] = {
-      {true, true, false, Answer::Yes, true, true, true, false},
-      {true, true, false, Answer::YesToAll, true, true, true, true},
-      {true, true, false, Answer::No, true, false, true, false},
-      {true, true, false, Answer::NoToAll, true, false, false, false},
-      {true, true, false, Answer::None, true, false, true, false},
-      {true, false, false, Answer::Yes, false, false, false, false},
-      {true, true, true, Answer::No, false, true, true, true},
-      {false, true, false, Answer::Yes, false, false, false, false},
-      {false, true, true, Answer::Yes, false, true, false, true},
+      {true, true, false, Answer::Yes, "ask over ask over ", true, false},
+      {true, true, false, Answer::YesToAll, "ask over over ", true, true},
+      {true, true, false, Answer::No, "ask skip ask skip ", true, false},
+      {true, true, false, Answer::NoToAll, "ask skip skip ", false, false},
+      {true, true, false, Answer::None, "ask skip ask skip ", true, false},
+      {true, false, false, Answer::Yes, "skip skip ", false, false},
+      {true, true, true, Answer::No, "over over ", true, true},
+      {false, true, false, Answer::Yes, "skip skip ", false, false},
+      {false, true, true, Answer::Yes, "over over ", false, true},
   };
   for (const auto& c : cases) {
-    TemporaryFolder folder;
-    const std::string path = folder.File("w.texture.txt");
-    WriteContent(path, "old");
+    const TemporaryFolder folder;
     Export run{c.ask, c.force, {}};
     run.ui.canPrompt = c.canPrompt;
     run.ui.answers = {c.answer};
-    GenericMaterial material = With({Map(kDiffuse, "w.tga")});
-    run.Write(material, folder);
-
-    Lines log;
-    if (c.asked) {
-      log.push_back("ask: .texture.txt file " + path + " already exists.\n  Overwrite file?\n");
+    std::string log;
+    for (const char* name : {"v", "w"}) {
+      const std::string path = folder.File(name + std::string(".texture")), file = path + ".txt";
+      WriteContent(file, "old");
+      GenericMaterial material = With({Map(kDiffuse, name + std::string(".tga"))});
+      run.ui.log.clear();
+      run.Write(material, folder);
+      for (const std::string& line : run.ui.log) {
+        const bool asks =
+            line == "ask: .texture.txt file " + file + " already exists.\n  Overwrite file?\n";
+        log += asks                                                        ? "ask "
+               : line == "info: Overwriting existing file: '" + file + "'" ? "over "
+               : line == "info: Skipping existing file: '" + file + "'"    ? "skip "
+                                                                           : line;
+      }
+      const bool isNew = ContentOf(file) != "old";
+      EXPECT_EQ(isNew, run.ui.log.back().find("Over") != std::string::npos);
+      EXPECT_EQ(material.maps[0].fileName, path);  // written or not
     }
-    log.push_back((c.overwritten ? "info: Overwriting" : "info: Skipping") +
-                  (" existing file: '" + path + "'"));
-    EXPECT_EQ(run.ui.log, log);
-    EXPECT_EQ(ContentOf(path), c.overwritten ? "Primary=w.tga\nTile=st\n" : "old");
-    EXPECT_EQ(folder.Count(), 1u);  // nothing temporary stays
+    EXPECT_EQ(log, c.log);
+    EXPECT_EQ(folder.Count(), 2u);  // nothing temporary stays
     EXPECT_EQ(run.ask, c.askAfter);
     EXPECT_EQ(run.force, c.forceAfter);
-    EXPECT_EQ(material.maps[0].fileName, folder.File("w.texture"));  // written or not
   }
 }
 
 // A folder of the file's name cannot be removed and not be written.
 TEST(SideFiles, FileThatCannotBeReplaced) {
-  TemporaryFolder folder;
+  const TemporaryFolder folder;
   const std::string path = folder.File("w.texture.txt");
   std::filesystem::create_directory(path);
   Export asked, forced{true, true, {}};
   asked.ui.answers = {Answer::Yes};
   GenericMaterial material = With({Map(kDiffuse, "w.tga")}), again = material;
   asked.Write(material, folder);
-  ASSERT_EQ(asked.ui.log.size(), 3u);
-  EXPECT_EQ(asked.ui.log[1], "warning: Could not remove file.\n");
-  EXPECT_EQ(asked.ui.log[2], "info: Skipping existing file: '" + path + "'");
   forced.Write(again, folder);
+  asked.ui.log.erase(asked.ui.log.begin());  // the question
+  EXPECT_EQ(asked.ui.log, Lines({"warning: Could not remove file.\n",
+                                 "info: Skipping existing file: '" + path + "'"}));
   ASSERT_EQ(forced.ui.log.size(), 3u);
   EXPECT_EQ(forced.ui.log[1], "error: Could not open texture file " + path + " for writing.");
   EXPECT_EQ(folder.Count(), 1u);
+}
+
+TEST(SideFiles, TexturesAreCopiedOnceFromWhereTheyAreFound) {
+  const TemporaryFolder from, to;
+  WriteContent(from.File("a.tga"), "a");
+  WriteContent(to.File("here.tga"), "here");
+  const auto resolve = [&](const std::string& name) {
+    return name == "a.tga" ? from.File(name) : std::string();
+  };
+  RecordingUserInterface ui;
+  EXPECT_FALSE(CopyTextures({"gone.tga", "a.tga", to.File("here.tga"), "x\\lost.tga"}, to.File(""),
+                            true, true, resolve, ui));
+  EXPECT_EQ(ui.log, Lines({"error: The following 2 file(s) failed to copy or could not be located:",
+                           "info:   gone.tga", "info:   x\\lost.tga"}));
+  EXPECT_EQ(ContentOf(to.File("a.tga")) + ContentOf(to.File("here.tga")), "ahere");
+  EXPECT_TRUE(CopyTextures({"a.tga"}, to.File(""), false, true, resolve, ui));
+  EXPECT_EQ(ui.log.size(), 3u);
+  EXPECT_EQ(ui.stages, Lines(2, "Copying texture files..."));
 }
 
 }  // namespace
