@@ -11,7 +11,7 @@ namespace orv {
 namespace {
 
 // As messages call them; "shininesNs" is what users know.
-// Pinned by Materials.MapsThatCannotBeUsedAreReported.
+// Pinned by Materials.EveryFieldIsReadAndMapsThatCannotBeUsedReported.
 constexpr const char* kChannelNames[kMapChannelCount] = {
     "ambient", "diffuse",      "specular", "shininesNs", "shininess strength", "self-illumination",
     "opacity", "filter color", "bump",     "reflection", "refraction",         "displacement"};
