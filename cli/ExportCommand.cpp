@@ -7,7 +7,6 @@
 
 #include "Commands.h"
 #include "PluginLibrary.h"
-#include "ProcessHeap.h"
 #include "Suggest.h"
 #include "Terminal.h"
 #include "TerminalDialogs.h"

@@ -1,4 +1,4 @@
-#include "ProcessHeap.h"
+#include "Commands.h"
 
 #include <cstddef>
 #include <cstdint>
