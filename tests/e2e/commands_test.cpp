@@ -31,9 +31,10 @@ TEST(Help, HasTheOptionsOfTheReadme) {
   const Workplace place;
   const Outcome run = place.Orv({"export", "--help"});
   EXPECT_EQ(run.status, 0);
-  std::set<std::string> told = OptionsIn(run.out, "  -");
-  for (const char* general : {"-h", "--help", "--output"}) EXPECT_EQ(told.erase(general), 1u);
-  EXPECT_EQ(told, OptionsIn(ContentOf(ORV_EXAMPLES "/../README.md"), "|"));
+  const std::set<std::string> told = OptionsIn(run.out, "  -");
+  const std::set<std::string> promised = OptionsIn(ContentOf(ORV_EXAMPLES "/../README.md"), "|");
+  EXPECT_GT(promised.size(), 5u);
+  for (const std::string& option : promised) EXPECT_TRUE(told.contains(option)) << option;
   EXPECT_TRUE(
       std::regex_match(place.Orv({"--version"}).out, std::regex("orv \\d+\\.\\d+\\.\\d+\n")));
 }
