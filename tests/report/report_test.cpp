@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <regex>
 #include <set>
 
@@ -15,13 +14,7 @@ TEST(Messages, CodesAreDifferentWordsWithHyphens) {
     const std::string code(message.code);
     EXPECT_TRUE(std::regex_match(code, std::regex("[a-z]+(-[a-z]+)+"))) << code;
     EXPECT_TRUE(codes.insert(message.code).second) << code;
-    std::string text = TextOf(message);
-    EXPECT_FALSE(text.empty()) << code;
-    for (std::string_view rest = text; !rest.empty();) {
-      const std::string_view place = TakePlace(rest).name;
-      EXPECT_TRUE(place.empty() || place == "number" || place == "text" || SubjectNamed(place))
-          << code << ": " << place;
-    }
+    EXPECT_FALSE(TextOf(message).empty()) << code;
   }
 }
 

@@ -63,6 +63,11 @@ class ExportEnds : public ExportDriver, public testing::WithParamInterface<End> 
     }
     if (what == "out.im" || what == "out.kin") fs::create_directory(folder.File(what));
     if (what == "cancel") dialogs.onOptions = [](Options&) { return false; };
+    if (what == "im-only")
+      dialogs.onOptions = [](Options& o) { return !(o.m_exportAnimation = false); };
+    // A window that waits hands on the host's messages, of which one may ask for another export.
+    if (what == "again")
+      dialogs.onWait = [&] { plugin.exporter->DoExport("b.im", nullptr, nullptr); };
     if (what == "throw") dialogs.onMessages = [&] { dialogs.log.size() > 1 ? throw 1 : 0; };
     if (what == "throw-first") dialogs.onOptions = [](Options&) -> bool { throw 1; };
     if (what == "throw-text") dialogs.onOptions = [](Options&) -> bool { throw "no ink"; };
@@ -106,6 +111,8 @@ TEST_P(ExportEnds, OutcomeSaysWhatHasHappened) {
 const End kEnds[] = {
     {"part b.root", "out.im out.kin "},
     {"part b.root cancel", ""},
+    {"part b.root im-only", "out.im "},
+    {"part b.root again", "out.im out.kin "},
     {"part", "out.im bones-missing | bones-missing "},
     {"bare flat b.root",
      "nothing-to-export out.kin | material-missing bare "
@@ -216,17 +223,6 @@ TEST_F(ExportDriver, OptionsAreTheUsersElseBesideTheProgram) {
   fs::remove_all(plugins);
 }
 #endif
-
-// A window that waits for its user hands on the host's messages, and one of these may ask for it.
-TEST_F(ExportDriver, NoSecondExportBeginsDuringAnother) {
-  AddMesh("part");
-  const auto askAgain = [&] { return plugin.exporter->DoExport("second.im", nullptr, nullptr); };
-  plugin.dialogs.onOptions = [&](Options&) { return askAgain() == 1; };
-  plugin.dialogs.onWait = [&] { EXPECT_EQ(askAgain(), 1); };
-  Export();
-  EXPECT_EQ(plugin.dialogs.calls, "options open wait ended");
-  EXPECT_TRUE(Exists("out.im"));
-}
 
 TEST_F(ExportDriver, NamesAreCutAtTheLastDotOfTheWholePath) {
   AddMesh("part");
