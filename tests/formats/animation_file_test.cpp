@@ -113,7 +113,9 @@ TEST(AnimationFile, ReportsBeforeEachFrame) {
   EXPECT_FALSE(ReadAnimationFile(folder.File("b.kin"), file, problem));
   EXPECT_EQ(problem.Message(), "No such file or directory");
   EXPECT_FALSE(WriteAnimationFile("/dev/full", skeleton, Walk(), ui));
-  EXPECT_EQ(ui.log.back(), "info: Could not write /dev/full: No space left on device");
+  EXPECT_EQ(ui.log,
+            (std::vector<std::string>{"error: Geometry Exporter reported error code '16'",
+                                      "info: Could not write /dev/full: No space left on device"}));
 }
 
 TEST(AnimationFile, RangeThatEndsBeforeItBeginsHasNoFrames) {

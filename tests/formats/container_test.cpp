@@ -11,14 +11,6 @@
 namespace orv {
 namespace {
 
-TEST(Container, TextsArePaddedToFourBytesWithoutTerminator) {
-  for (const std::string text : {"", "a", "bone", "spine"}) {
-    const std::string bytes = BytesOf([&](std::ostream& out) { WriteString(out, text); });
-    EXPECT_EQ(bytes, FileOf("\"" + text + "\""));
-    EXPECT_EQ(ChunkReader(bytes).ReadString(), text);
-  }
-}
-
 TEST(Container, KindIsInTheFirstTwelveBytes) {
   const std::pair<const char*, FileKind> cases[] = {{"QIRF 0 IDXM", FileKind::IndexedMesh},
                                                     {"QIRF 9 ANIM 0", FileKind::Animation},

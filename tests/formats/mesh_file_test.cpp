@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "SampleMeshes.h"
-#include "TemporaryFolder.h"
 
 namespace orv {
 namespace {
@@ -317,27 +316,6 @@ SKEL => INFL { 100 @ 9 } SKEL => QIRF/INFL: bone count 9 exceeds the chunk)",
 
 TEST(IndexedMeshReader, EveryPrefixIsRefusedUnlessItsEndIsOptional) {
   ExpectPrefixesRefused(FileOf(Skin()), FileOf(Skin()).find("INFL"), RefusalOf);
-}
-
-TEST(IndexedMeshWriter, SideFilesStandBesideTheFileAndFailureIsTold) {
-  const TemporaryFolder folder;
-  RecordingUserInterface ui;
-  const auto write = [&](const std::string& fileName) {
-    ExIndexedMesh mesh = MeshOf(kModel);
-    mesh.chunks[0].material.maps[0].fileName = "stone.tga";
-    bool ask = false, force = false;
-    return WriteIndexedMeshFile(mesh, fileName, false, ask, force, ui);
-  };
-  EXPECT_TRUE(write(folder.File("a.im")));
-  IndexedMeshFile file;
-  ReadProblem problem;
-  ASSERT_TRUE(ReadIndexedMeshFile(folder.File("a.im"), file, problem)) << problem.Message();
-  EXPECT_EQ(file.mesh.chunks.at(0).material.maps.at(0).fileName, folder.File("stone.texture"));
-  EXPECT_EQ(folder.Count(), 2u);
-  EXPECT_FALSE(write(folder.File("missing/a.im")));
-  EXPECT_EQ(ui.log, (Strings{"error: Geometry Exporter reported error code '16'",
-                             "info: Could not write " + folder.File("missing/a.im") +
-                                 ": No such file or directory"}));
 }
 
 }  // namespace

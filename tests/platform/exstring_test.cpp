@@ -60,7 +60,7 @@ TEST(ExString, CaseIsThatOfAsciiLetters) {
   EXPECT_FALSE(EqualIgnoringCase("\xC4", "\xE4") || EqualIgnoringCase("a", "ab"));
   EXPECT_TRUE(BeginsWithIgnoringCase("B.hip", "b."));
   EXPECT_FALSE(BeginsWithIgnoringCase("b", "b.") || BeginsWithIgnoringCase("a b.", "b."));
-  EXPECT_TRUE(EndsWithIgnoringCase("a.KIN", ".kin"));
+  EXPECT_TRUE(EndsWithIgnoringCase("a.KIN", ".kin") && EndsWithIgnoringCase(".Kin", ".kin"));
   EXPECT_FALSE(EndsWithIgnoringCase("kin", ".kin") || EndsWithIgnoringCase("a.kin2", ".kin"));
 }
 

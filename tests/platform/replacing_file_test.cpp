@@ -22,6 +22,7 @@ TEST_F(ReplacingFileTest, TargetChangesAtTheCommit) {
     ReplacingFile left(target, std::ios::binary);
     left << "never committed";
   }
+  EXPECT_EQ(folder.Count(), 1u);
   ReplacingFile failed(target, std::ios::binary);
   failed.setstate(std::ios::failbit);
   EXPECT_FALSE(failed.Commit());

@@ -41,7 +41,7 @@ TEST(XmlWriter, AttributeIndentation) {
       {"\r~  ", "~    "},  {"~\t", "~    "},
       {"\r~", " "},        {"word~  ", " "},
       {"x  ", "~    "},  // the first character is not looked at
-      {"    ", "~      "}, {"~              ", "~                "},
+      {"    ", "~      "}, {"~               ", "~                 "},
       {"", " "},           {"<![CDATA[~  ]]>", " "},
       {"<!--x-->", " "},
   };
@@ -110,6 +110,7 @@ TEST(XmlTree, EverythingComesFromTheDocumentsPool) {
     root->AddElement("d")->AddText("text");
     root->LastChild()->Release();
     root->SetAttribute("b", "e");
+    root->First<MXMLText>()->SetText("another");
     EXPECT_EQ(held, before);
   }
   EXPECT_EQ(held, 0u);
@@ -127,6 +128,7 @@ TEST(XmlTree, ElementsTextsAndAttributes) {
   int first = 0, second = 0;
   EXPECT_EQ(element->FindElement("e")->ScanAttribute("f", "%i %i", &first, &second), 2);
   EXPECT_EQ(first - second, 24);
+  EXPECT_EQ(element->ScanAttribute("none", "%i", &first), 0);
   element->SetAttribute("b", "4");
   element->SetAttributeFormat("d", "%d%s", 5, "x");
   element->SetAttribute("c", nullptr);
