@@ -22,8 +22,9 @@ namespace orv {
 constexpr std::chrono::seconds kPatience(60);  // for what takes a second on an idle machine
 
 // False when it has not come true in time.
-inline bool WaitUntil(const std::function<bool()>& condition) {
-  const auto end = std::chrono::steady_clock::now() + kPatience;
+inline bool WaitUntil(const std::function<bool()>& condition,
+                      std::chrono::seconds patience = kPatience) {
+  const auto end = std::chrono::steady_clock::now() + patience;
   std::chrono::milliseconds pause(1);
   while (!condition()) {
     if (std::chrono::steady_clock::now() > end) return false;
@@ -39,7 +40,6 @@ struct Command {
   std::string output;                  // path of its output, to which ".out" and ".err" are added
   std::map<std::string, std::string> environment = {};  // beside the test's own
   int terminal = -1;  // its input and standard error, where there is one; else nobody is there
-  int keepOpen = -1;  // the only one of the test's own files that is handed down
 };
 
 // A program that runs beside the test and is killed with it.
@@ -69,7 +69,6 @@ class Process {
 
   std::string Output() const { return ContentOf(m_out); }
   std::string Errors() const { return ContentOf(m_err); }
-  pid_t Pid() const { return m_pid; }
 
  private:
   [[noreturn]] void Become(Command& command) {
@@ -84,8 +83,7 @@ class Process {
     dup2(input, 0);
     dup2(out, 1);
     dup2(err, 2);
-    for (int file = 3; file < 256; ++file)
-      if (file != command.keepOpen) close(file);
+    for (int file = 3; file < 256; ++file) close(file);
     std::vector<char*> argv;
     for (std::string& argument : command.arguments) argv.push_back(argument.data());
     argv.push_back(nullptr);

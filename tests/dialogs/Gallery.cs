@@ -1,91 +1,132 @@
-// Shows one of the windows, with its font enlarged if asked to, and prints what is wrong with its
-// layout: controls that lie over each other, outside of what holds them, or cut their text off.
-//   Gallery options|log|question|about [FACTOR [check]]    check: does not stay open
+// Prints every window as a person meets it, row by row, and what is wrong with its layout: controls
+// that lie over each other, outside of what holds them, or cut their text off.
 
 using System;
+using System.Collections.Generic;
 using System.Drawing;
-using System.Globalization;
-using System.Runtime.InteropServices;
+using System.Linq;
 using System.Windows.Forms;
 using Orv.Dialogs;
 
 static class Gallery {
-  static int s_problems;
+  static readonly Func<Form>[] s_windows = {
+    Options, () => new DialogLog(),
+    () => new DialogMessageBox(ButtonSet.YesYesAllNoNoAllCancel, IconKind.Warning,
+                               "./a&b.texture.txt already exists.\n  Overwrite file?\n"),
+    () => new DialogMessageBox(ButtonSet.YesYesAllNoNoAll, IconKind.Error, new string('x', 400)),
+    () => new DialogAbout("Copyright (C) 2026 The OrvExporter developers")
+  };
 
-  static int Main(string[] arguments) {
-    Form form = Make(arguments[0]);
-    if (arguments.Length > 1) {
-      float factor = float.Parse(arguments[1], CultureInfo.InvariantCulture);
-      form.Font = new Font(form.Font.FontFamily, form.Font.Size * factor);
+  static void Main() {
+    foreach (Func<Form> make in s_windows) {
+      foreach (float factor in new[] { 1.5f, 1 }) {
+        using (Form form = make()) {
+          if (factor != 1) form.Font = new Font(form.Font.FontFamily, form.Font.Size * factor);
+          Show(form);
+          if (factor == 1) Describe(form);
+        }
+      }
     }
-    form.StartPosition = FormStartPosition.CenterScreen;
-    form.Shown += (sender, e) => {
-      Check(form);
-      Size smallest = form.Size;
-      form.Size = new Size(smallest.Width * 3 / 2, smallest.Height * 3 / 2);
-      Check(form);
-      form.Size = smallest;
-      if (arguments.Length > 2) form.Close();
-    };
-    form.ShowDialog();
-    return s_problems == 0 ? 0 : 1;
+    LogWindow.Open(0);
+    foreach (int severity in new[] { 0, 1, 1, 2, 0 }) LogWindow.Append(severity, "of " + severity);
+    LogWindow.HandleMessages(true);
+    Describe(LogWindow.Current);
+    LogWindow.Close();
+    Application.Idle += (sender, e) =>
+        Application.OpenForms.Cast<Form>().ToList().ForEach(DescribeAndCancel);
+    Console.WriteLine(EventFilePicker.Pick(null, "Picker", EventFilePicker.AllFilters, "") ?? "none");
   }
 
-  static Form Make(string name) {
-    switch (name) {
-      case "options":
-        var dialog = new DialogOptions();
-        dialog.Take(new OptionsRecord {
-          ExportGeometry = 1, ExportAnimation = 1, AnimationEndFrame = 120, ExportEndFrame = 120,
-          EventFileName = MCUtil.StringToAnsi("/home/artist/railcar.evt") });
-        return dialog;
-      case "log":
-        var log = new DialogLog();
-        log.Shown += (sender, e) => {
-          log.Append(0, "Exporting...");
-          log.Append(1, "Ignoring mesh - no texture mapping for mesh: roof");
-          log.Append(2, "Material 'lamp' name is invalid.  Materials should be named and have a " +
-                        "'m.' material type suffix.");
-          log.Append(0, "Skipping existing file: './livery.texture.txt'");
-          log.Append(2, "Export completed with 1 Errors and 1 Warnings.");
-        };
-        return log;
-      case "question":
-        return new DialogMessageBox(ButtonSet.YesYesAllNoNoAllCancel, IconKind.Warning,
-                                    ".texture.txt file ./livery.texture.txt already exists.\n" +
-                                        "  Overwrite file?\n");
-      case "about":
-        return new DialogAbout("Copyright (C) 2026 The OrvExporter developers");
-      default:
-        throw new ArgumentException(name);
+  static Form Options() {
+    var dialog = new DialogOptions();
+    dialog.Take(new OptionsRecord {
+      ExportGeometry = 1, CollectTextures = 1, AnimationStartFrame = 120, AnimationEndFrame = -10,
+      ExportStartFrame = -20, ExportEndFrame = 90,
+      EventFileName = MCUtil.StringToAnsi("/home/k\u00FCnstler/railcar.evt") });
+    return dialog;
+  }
+
+  static void Show(Form form) {
+    form.Show();
+    Application.DoEvents();
+    Check(form);
+    form.Size += new Size(form.Width / 2, form.Height / 2);
+    Check(form);
+  }
+
+  static void Describe(Form form) {
+    Console.WriteLine("{0}: {1}{2}, Enter {3}, Escape {4}", form.Text, form.FormBorderStyle,
+                      form.MaximizeBox ? " with a button" : "",
+                      ((Control)form.AcceptButton).Text, ((Control)form.CancelButton).Text);
+    foreach (Control control in Below(form).Where(one => !(one is Panel))) {
+      Console.WriteLine("  {0}{1}: {2}", control.GetType().Name, control.Enabled ? "" : " (greyed)",
+                        Facts(control));
     }
+  }
+
+  static void DescribeAndCancel(Form picker) {
+    var texts = Below(picker).OfType<ComboBox>().SelectMany(box => box.Items.Cast<object>());
+    Console.WriteLine("{0}: {1}", picker.Text,
+                      string.Join(", ", texts.Where(text => text.ToString().Contains("*."))));
+    picker.DialogResult = DialogResult.Cancel;
+  }
+
+  static string Facts(Control control) {
+    if (control is CheckBox) return control.Text + (((CheckBox)control).Checked ? " [x]" : " [ ]");
+    if (control is NumericUpDown) {
+      var box = (NumericUpDown)control;
+      return box.Minimum + " <= " + box.Value + " <= " + box.Maximum;
+    }
+    if (control is PictureBox) return KindOf(((PictureBox)control).Image).ToString();
+    if (control is RichTextBox) return Lines((RichTextBox)control);
+    return control.Text;
+  }
+
+  static IconKind KindOf(Image image) {
+    var icons = new[] { SystemIcons.Information, SystemIcons.Warning, SystemIcons.Error };
+    Func<Image, byte[]> bytes = one => (byte[])new ImageConverter().ConvertTo(one, typeof(byte[]));
+    return (IconKind)Array.FindIndex(icons,
+                                     icon => bytes(icon.ToBitmap()).SequenceEqual(bytes(image)));
+  }
+
+  // With one that comes in while the last one is selected.
+  static string Lines(RichTextBox box) {
+    string facts = "";
+    for (int i = 0; i + 1 < box.Lines.Length; ++i) {
+      box.Select(box.GetFirstCharIndexFromLine(i), box.Lines[i].Length);
+      facts += string.Format("\n    {0} {1:X6}{2}", box.SelectedText,
+                             box.SelectionColor.ToArgb() & 0xFFFFFF,
+                             box.SelectionFont.Bold ? " bold" : "");
+    }
+    ((DialogLog)box.FindForm()).Append(0, "last");
+    return facts + "\n    selected: " + box.SelectedText;
+  }
+
+  // All controls in a window, from left to right and from top to bottom.
+  static IEnumerable<Control> Below(Control parent) {
+    var controls = parent.Controls.Cast<Control>().Where(one => !(parent is UpDownBase)).ToList();
+    controls.Sort((a, b) => a.Bottom <= b.Top ? -1 : b.Bottom <= a.Top ? 1 : a.Left - b.Left);
+    return controls.SelectMany(control => new[] { control }.Concat(Below(control)));
   }
 
   static void Check(Control parent) {
-    Rectangle inside = parent.DisplayRectangle;
-    for (int i = 0; i < parent.Controls.Count; ++i) {
-      Control child = parent.Controls[i];
-      if (!(child is UpDownBase) && !(parent is UpDownBase)) {
-        if (!inside.Contains(child.Bounds)) Complain(child, "is cut off by what holds it");
-        for (int j = 0; j < i; ++j) {
-          if (child.Bounds.IntersectsWith(parent.Controls[j].Bounds))
-            Complain(child, "lies over " + parent.Controls[j].Text);
-        }
+    var controls = Below(parent).Where(child => child.Parent == parent).ToList();
+    foreach (Control child in controls) {
+      if (!parent.DisplayRectangle.Contains(child.Bounds))
+        Complain(child, "is cut off by what holds it");
+      foreach (Control other in controls.Where(other => other != child)) {
+        if (child.Bounds.IntersectsWith(other.Bounds)) Complain(child, "lies over " + other.Text);
       }
-      if (child is ButtonBase || child is Label) CheckText(child);
-      if (!(child is UpDownBase)) Check(child);
+      Size text = TextRenderer.MeasureText(child.Text.Replace("&", ""), child.Font);
+      int line = child.Font.Height;
+      if ((child is ButtonBase || child is Label) &&
+          (child.Height < line || (child.Height < 2 * line && child.Width < text.Width - 8)))
+        Complain(child, "is smaller than its text");
+      Check(child);
     }
   }
 
-  static void CheckText(Control control) {
-    Size text = TextRenderer.MeasureText(control.Text.Replace("&", ""), control.Font);
-    if (control.Height < control.Font.Height) Complain(control, "is lower than its text");
-    if (control.Width < text.Width - 8 && !control.Text.Contains("\n") && control.Height < 2 * control.Font.Height)
-      Complain(control, "is narrower than its text");
-  }
-
   static void Complain(Control control, string what) {
-    ++s_problems;
     Console.WriteLine("'{0}' {1}: {2}", control.Text, what, control.Bounds);
   }
 }
