@@ -8,7 +8,6 @@
 #include <functional>
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace orv {
 
@@ -22,29 +21,25 @@ class ModalWindows {
     m_done = true;
     m_thread.join();
   }
-  ModalWindows(const ModalWindows&) = delete;
 
   int Count() const { return m_count; }
 
  private:
   void Watch() {
-    while (!m_done) {
+    for (; !m_done; std::this_thread::sleep_for(std::chrono::milliseconds(10))) {
       const HWND window = FindWindowA("#32770", m_title.c_str());
-      if (!window || !IsWindowVisible(window)) {
-        Pause();
-        continue;
-      }
+      if (window == m_answered || !IsWindowVisible(window)) continue;
+      m_answered = window;
       ++m_count;
       m_answer(window);
-      while (IsWindow(window) && IsWindowVisible(window)) Pause();
     }
   }
-  static void Pause() { std::this_thread::sleep_for(std::chrono::milliseconds(10)); }
 
   std::string m_title;
   std::function<void(HWND)> m_answer;
   std::atomic<int> m_count = 0;
   std::atomic<bool> m_done = false;
+  HWND m_answered = nullptr;
   std::thread m_thread;
 };
 
@@ -56,43 +51,24 @@ inline std::string TextOf(HWND window) {
   return text;
 }
 
-inline bool IsOfClass(HWND window, const char* name) {
-  char found[64] = "";
-  GetClassNameA(window, found, sizeof(found));
-  return lstrcmpiA(found, name) == 0;
-}
-
-// The visible controls inside a window, in order.
-inline std::vector<HWND> Controls(HWND window, const char* className) {
-  std::vector<HWND> controls;
+// What it shows: "ICON|LABEL|LABEL 1 2", with the numbers of its buttons.
+inline std::string Shown(HWND window) {
+  std::string icon, labels, buttons;
   for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-    if (IsOfClass(child, className) && IsWindowVisible(child)) controls.push_back(child);
+    if (!IsWindowVisible(child)) continue;
+    const auto picture = reinterpret_cast<HICON>(SendMessageA(child, STM_GETICON, 0, 0));
+    for (const auto& [id, name] : {std::pair(IDI_ERROR, "error"),
+                                   {IDI_WARNING, "warning"},
+                                   {IDI_INFORMATION, "information"},
+                                   {IDI_QUESTION, "question"}})
+      if (picture && picture == LoadIconA(nullptr, id)) icon = name;
+    if (SendMessageA(child, WM_GETDLGCODE, 0, 0) & DLGC_BUTTON) {
+      buttons += " " + std::to_string(GetDlgCtrlID(child));
+    } else if (!picture && !TextOf(child).empty()) {
+      labels += "|" + TextOf(child);
+    }
   }
-  return controls;
-}
-
-// The texts of the labels, without those that show a picture or nothing.
-inline std::vector<std::string> Labels(HWND window) {
-  std::vector<std::string> texts;
-  for (const HWND label : Controls(window, "Static")) {
-    const bool picture = (GetWindowLongA(label, GWL_STYLE) & SS_TYPEMASK) == SS_ICON;
-    if (!picture) texts.push_back(TextOf(label));
-  }
-  return texts;
-}
-
-inline HICON IconIn(HWND window) {
-  for (const HWND label : Controls(window, "Static")) {
-    if (const LRESULT icon = SendMessageA(label, STM_GETICON, 0, 0))
-      return reinterpret_cast<HICON>(icon);
-  }
-  return nullptr;
-}
-
-inline std::vector<int> ButtonIds(HWND window) {
-  std::vector<int> ids;
-  for (const HWND button : Controls(window, "Button")) ids.push_back(GetDlgCtrlID(button));
-  return ids;
+  return icon + labels + buttons;
 }
 
 }  // namespace orv

@@ -1,85 +1,41 @@
 #include <filesystem>
+#include <regex>
 
 #include "ModalWindows.h"
 #include "Plugin.h"
 #include "TemporaryFolder.h"
 #include "platform/Platform.h"
-#include "platform/StringTable.h"
-#include "shell/MaxExportUserInterface.h"
 
 namespace orv {
 namespace {
 
-using Strings = std::vector<std::string>;
-
 TEST(MessageBoxes, LookAndAnswerAsAskedFor) {
   const struct {
-    MessageKind kind;
-    Severity severity;
-    const char* caption;
-    LPCSTR icon;
-    std::vector<int> buttons;
+    platform::Icon icon;
+    const char* shown;
     int click;
-    Answer answer;
   } cases[] = {
-      {MessageKind::Message,
-       Severity::Information,
-       "Exporter Message",
-       IDI_INFORMATION,
-       {IDOK},
-       IDOK,
-       Answer::None},
-      {MessageKind::Message,
-       Severity::Warning,
-       "Exporter Message",
-       IDI_WARNING,
-       {IDOK},
-       IDOK,
-       Answer::None},
-      {MessageKind::Message,
-       Severity::Error,
-       "Exporter Message",
-       IDI_ERROR,
-       {IDOK},
-       IDOK,
-       Answer::None},
-      {MessageKind::YesNo,
-       Severity::Error,
-       "Exporter Query",
-       IDI_QUESTION,
-       {IDYES, IDNO},
-       IDYES,
-       Answer::Yes},
-      {MessageKind::YesNo,
-       Severity::Information,
-       "Exporter Query",
-       IDI_QUESTION,
-       {IDYES, IDNO},
-       IDNO,
-       Answer::No},
+      {platform::Icon::Error, "error|Is it so? 1", IDOK},
+      {platform::Icon::Warning, "warning|Is it so? 1", IDOK},
+      {platform::Icon::Information, "information|Is it so? 1", IDOK},
+      {platform::Icon::Question, "question|Is it so? 6 7", IDYES},
+      {platform::Icon::Question, "question|Is it so? 6 7", IDNO},
   };
-  host::Scene scene;
-  host::MemoryHost memoryHost(scene);
-  MaxExportUserInterface ui(&memoryHost);
-  ui.m_enableWarnings = true;
-  for (const auto& test : cases) {
-    ModalWindows boxes(test.caption, [&](HWND box) {
-      EXPECT_EQ(Labels(box), Strings{"Is it so?"});
-      EXPECT_EQ(IconIn(box), LoadIconA(nullptr, test.icon)) << test.caption;
-      EXPECT_EQ(ButtonIds(box), test.buttons);
+  for (const auto& [icon, shown, click] : cases) {
+    ModalWindows boxes("Exporter", [&, expected = shown, button = click](HWND box) {
+      EXPECT_EQ(Shown(box), expected);
       EXPECT_EQ(GetWindow(box, GW_OWNER), nullptr);
-      Click(box, test.click);
+      Click(box, button);
     });
-    EXPECT_EQ(ui.ShowMessage("Is it so?", test.kind, test.severity), test.answer);
+    const auto buttons = click == IDOK ? platform::Buttons::Ok : platform::Buttons::YesNo;
+    EXPECT_EQ(platform::ShowMessageBox("Is it so?", "Exporter", buttons, icon), click == IDYES);
     EXPECT_EQ(boxes.Count(), 1);
   }
 }
 
 TEST(MessageBoxes, AnExceptionIsShownNotPassedOn) {
   ModalWindows boxes("Exception", [](HWND box) {
-    EXPECT_EQ(Labels(box),
-              Strings{"Unhandled exception occurred in plug-in!\nPlug-in terminated."});
-    EXPECT_EQ(IconIn(box), LoadIconA(nullptr, IDI_ERROR));
+    EXPECT_EQ(Shown(box), "error|Unhandled exception occurred in plug-in!\nPlug-in terminated. 1");
     Click(box, IDOK);
   });
   Plugin plugin("");
@@ -92,7 +48,7 @@ TEST(MessageBoxes, AnExceptionIsShownNotPassedOn) {
 TEST(AboutBox, ClosesByItsButtonAlone) {
   Plugin plugin("");
   ModalWindows boxes("Dialog", [](HWND box) {
-    EXPECT_EQ(Labels(box), (Strings{"Orv Exporter", ORV_COPYRIGHT}));
+    EXPECT_EQ(Shown(box), "|Orv Exporter|" ORV_COPYRIGHT " 1002");
     EXPECT_EQ(TextOf(GetDlgItem(box, 1002)), "OK");
     SendMessageA(box, WM_COMMAND, IDOK, 0);
     SendMessageA(box, WM_CLOSE, 0, 0);
@@ -103,24 +59,18 @@ TEST(AboutBox, ClosesByItsButtonAlone) {
   EXPECT_EQ(boxes.Count(), 1);
 }
 
-TEST(EventFilePicker, TakesAnExistingFileOnly) {
-  constexpr int kFileName = 0x47C;
-  const auto before = std::filesystem::current_path();  // picking moves it
-  TemporaryFolder folder;
-  const std::string name = folder.File("loco.evt");
-  WriteContent(name, "");
-  {
+TEST(EventFilePicker, TakesAFileOrNone) {
+  constexpr int kFileName = 0x47C, kFileType = 0x470;
+  const std::string name = platform::HostExecutablePath();
+  for (const int button : {IDOK, IDCANCEL}) {
     ModalWindows pickers("Pick an event file", [&](HWND picker) {
+      EXPECT_EQ(TextOf(GetDlgItem(picker, kFileType)), "Event files");
       SetDlgItemTextA(picker, kFileName, name.c_str());
-      Click(picker, IDOK);
+      Click(picker, button);
     });
-    EXPECT_EQ(platform::PickEventFile(), name);
+    EXPECT_EQ(platform::PickEventFile(), button == IDOK ? std::optional(name) : std::nullopt);
     EXPECT_EQ(pickers.Count(), 1);
-    std::filesystem::current_path(before);
   }
-  ModalWindows pickers("Pick an event file", [](HWND picker) { Click(picker, IDCANCEL); });
-  EXPECT_EQ(platform::PickEventFile(), std::nullopt);
-  EXPECT_EQ(pickers.Count(), 1);
 }
 
 // There is no .NET runtime where these tests run.
@@ -128,7 +78,7 @@ TEST(OwnDialogs, WithoutARuntimeTheExportIsCancelled) {
   TemporaryFolder folder;
   host::Scene scene;
   host::MemoryHost memoryHost(scene);
-  const std::string settings = folder.File("settings");
+  const std::string settings = folder.File("settings"), name = folder.File("out.im");
   HostServices services;
   services.core = &memoryHost;
   services.settingsFolder = settings.c_str();
@@ -136,17 +86,15 @@ TEST(OwnDialogs, WithoutARuntimeTheExportIsCancelled) {
   ASSERT_EQ(Entry<UseHostServicesFunction>("UseHostServices")(&services), 1);
   for (int run = 1; run <= 2; ++run) {
     ModalWindows boxes("Velmor Exporter", [](HWND box) {
-      EXPECT_NE(Labels(box).at(0).find("nothing is exported"), std::string::npos);
-      EXPECT_NE(Labels(box).at(0).find("install the .NET Framework 4"), std::string::npos);
-      EXPECT_EQ(IconIn(box), LoadIconA(nullptr, IDI_ERROR));
+      const std::regex text("error[|]The exporter's windows [\\s\\S]*install the .NET Framework 4");
+      EXPECT_TRUE(std::regex_search(Shown(box), text)) << Shown(box);
       Click(box, IDOK);
     });
-    const std::string name = folder.File("out.im");
     EXPECT_EQ(plugin.exporter->DoExport(name.c_str(), nullptr, &memoryHost, FALSE, 0), 1);
     EXPECT_EQ(boxes.Count(), 1);
   }
-  for (const char* name : {"out.im", "out.kin", "settings/Tamsk/VelmorOrvExporter/OrvExporter.xml"})
-    EXPECT_FALSE(std::filesystem::exists(folder.File(name))) << name;
+  for (const std::string& file : {name, settings + "/Tamsk/VelmorOrvExporter/OrvExporter.xml"})
+    EXPECT_FALSE(std::filesystem::exists(file)) << file;
 }
 
 }  // namespace
