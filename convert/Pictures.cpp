@@ -16,7 +16,7 @@ constexpr char kLibrary[] = "libfreeimage.so.3";
 // clang-format off
 #define ORV_PICTURE_FUNCTIONS(X) \
   X(Unload) X(CloseMemory) X(OpenMemory) X(GetFileTypeFromMemory) X(GetFIFFromFilename) \
-  X(FIFSupportsReading) X(LoadFromMemory) X(IsTransparent) X(GetBPP) X(GetColorType) \
+  X(FIFSupportsReading) X(LoadFromMemory) X(IsTransparent) \
   X(SaveToMemory) X(AcquireMemory) X(ConvertToGreyscale) X(ConvertTo32Bits) X(GetChannel) \
   X(ConvertTo24Bits) X(GetWidth) X(GetHeight) X(Rescale) X(SetChannel)
 // clang-format on
@@ -71,11 +71,6 @@ Bitmap Load(const std::string& bytes, const std::string& name) {
   return Bitmap(Library().LoadFromMemory(format, memory.get(), 0));
 }
 
-bool HasAlpha(FIBITMAP* bitmap) {
-  return Library().IsTransparent(bitmap) ||
-         (Library().GetBPP(bitmap) == 32 && Library().GetColorType(bitmap) == FIC_RGBALPHA);
-}
-
 std::optional<Picture> ToPng(FIBITMAP* bitmap) {
   if (!bitmap) return std::nullopt;
   const Memory memory(Library().OpenMemory(nullptr, 0));
@@ -90,7 +85,7 @@ std::optional<Picture> ToPng(FIBITMAP* bitmap) {
 
 // 8 bits of grey.
 Bitmap AlphaOf(FIBITMAP* bitmap) {
-  if (!HasAlpha(bitmap)) return Bitmap(Library().ConvertToGreyscale(bitmap));
+  if (!Library().IsTransparent(bitmap)) return Bitmap(Library().ConvertToGreyscale(bitmap));
   const Bitmap rgba(Library().ConvertTo32Bits(bitmap));
   return Bitmap(rgba ? Library().GetChannel(rgba.get(), FICC_ALPHA) : nullptr);
 }
@@ -102,8 +97,9 @@ std::optional<Picture> PictureFrom(const std::string& bytes, const std::string& 
   if (bytes.starts_with("\xFF\xD8\xFF")) return Picture{bytes, "image/jpeg"};
   const Bitmap bitmap = Load(bytes, name);
   if (!bitmap) return std::nullopt;
-  const Bitmap plain(HasAlpha(bitmap.get()) ? Library().ConvertTo32Bits(bitmap.get())
-                                            : Library().ConvertTo24Bits(bitmap.get()));
+  const Bitmap plain(Library().IsTransparent(bitmap.get())
+                         ? Library().ConvertTo32Bits(bitmap.get())
+                         : Library().ConvertTo24Bits(bitmap.get()));
   return ToPng(plain.get());
 }
 

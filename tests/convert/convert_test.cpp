@@ -135,7 +135,7 @@ TEST(Convert, SkinWithAnimationAndPictures) {
       {"pane.tga", Tga("\xFF\1\2\x80")}};
   for (const auto& [name, content] : files) WriteContent(folder.File(name), content);
   const AnimationFile animation = SkinAnimation();
-  ExpectConverted("skin", SkinFile(), &animation, folder);
+  ExpectConverted("skin", SkinFile(), &animation, folder, 0.5);
 }
 
 TEST(Convert, RigidModelWithoutUnit) {
@@ -196,8 +196,8 @@ TEST(Convert, WhatIsForbiddenIsMended) {
   AnimationFile animation;
   animation.frameCount = 2;
   animation.masterScale = kNaN;
-  animation.bones = {{"b.7", -1}};
-  animation.poses = {{{kNaN, 0, 0}, {}}, {{100, 0, 0}, {}}};
+  animation.bones = {{"b.7", -1}, {"B.7", 0}};
+  animation.poses = {{{kNaN, 0, 0}, {}}, {{7, 0, 0}, {}}, {{100, 0, 0}, {}}, {{7, 0, 0}, {}}};
   const TemporaryFolder folder;
   WriteContent(folder.File("empty.texture.txt"), "Tile=st\n");
   std::filesystem::create_symlink("cycle.bmp", folder.File("cycle.bmp"));

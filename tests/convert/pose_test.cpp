@@ -14,8 +14,9 @@ Vec3 Placed(const Pose& pose, Vec3 point) {
 
 void ExpectNear(Vec3 a, Vec3 b) { EXPECT_NEAR(Length(a - b), 0, 1e-5); }
 
-// All ways to put three axes onto three axes, half of them mirrored.
-std::vector<Matrix33> AxisTurns() {
+// All ways to put three axes onto three axes, half of them mirrored, and a little further.
+std::vector<Matrix33> AllTurns() {
+  const Matrix33 tilt = RotationRows({0.1f, -0.1f, 0.7f, 0.7f});
   std::vector<Matrix33> turns;
   const Vec3 axes[] = {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}};
   for (size_t first = 0; first < 3; ++first) {
@@ -24,7 +25,7 @@ std::vector<Matrix33> AxisTurns() {
         const auto row = [&](size_t number) {
           return axes[(first + number * step) % 3] * (signs >> number & 1 ? -1.0f : 1.0f);
         };
-        turns.push_back({row(0), row(1), row(2)});
+        turns.push_back({row(0) * tilt, row(1) * tilt, row(2) * tilt});
       }
     }
   }
@@ -32,7 +33,7 @@ std::vector<Matrix33> AxisTurns() {
 }
 
 TEST(Pose, EveryTurnAndMirroringIsKept) {
-  const std::vector<Matrix33> turns = AxisTurns();
+  const std::vector<Matrix33> turns = AllTurns();
   const Vec3 point{1, 2, 3}, place{7, 8, 9};
   for (size_t i = 0; i < turns.size(); ++i) {
     const Matrix33& turn = turns[i];
@@ -48,7 +49,7 @@ TEST(Pose, EveryTurnAndMirroringIsKept) {
 
 // Where four points not in one plane are seen from, or nothing when they do not agree.
 TEST(Pose, PointsTellWhereTheyAreSeenFrom) {
-  for (const Matrix33& turn : AxisTurns()) {
+  for (const Matrix33& turn : AllTurns()) {
     std::vector<PointPair> pairs;
     for (const Vec3 local : {Vec3{0, 0, 0}, {1, 0, 0}, {0, 2, 0}, {0, 0, 3}}) {
       pairs.push_back({local * turn + Vec3{5, 6, 7}, local});

@@ -78,9 +78,12 @@ TEST(RoundTrip, ConvertedModelIsTheSameWhenItIsExportedAgain) {
   for (const char* scene : {"moving.gltf", "skinned.gltf", "everything.gltf"}) {
     SCOPED_TRACE(scene);
     const Workplace place;
-    place.Export(DataFile(scene), "a", {"--unit", "0.0254", "--joints-as-bones"});
+    place.Export(DataFile(scene), "a",
+                 {"--unit", "0.0254", "--joints-as-bones", "--collect-textures"});
     const bool isAnimated = place.Files().contains("a.kin");
-    place.Orv({"convert", "a.im", isAnimated ? "a.kin" : "--unit=0.0254", "-o", "b.glb"});
+    const Outcome converted =
+        place.Orv({"convert", "a.im", isAnimated ? "a.kin" : "--unit=0.0254", "-o", "b.glb"});
+    EXPECT_EQ(converted.status, 0) << converted.err;
     place.Export("b.glb", "b");
     const IndexedMeshFile a = place.Mesh("a.im"), b = place.Mesh("b.im");
     EXPECT_EQ(TriangleLines(a), TriangleLines(b));

@@ -208,24 +208,5 @@ TEST(Skins, FollowTheirBones) {
   }
 }
 
-// Through a glTF file and back.
-TEST(ConvertedModels, AreTheSameWhenTheyAreExportedAgain) {
-  for (const char* scene : {"moving.gltf", "skinned.gltf"}) {
-    const Workplace place;
-    place.Export(DataFile(scene), "a", {"--unit", "0.0254", "--joints-as-bones"});
-    const Outcome converted = place.Orv({"convert", "a.im", "a.kin", "-o", "b.glb"});
-    EXPECT_EQ(converted.status, 0) << converted.err;
-    place.Export("b.glb", "b");
-    EXPECT_EQ(place.Mesh("b.im").triangleCount, place.Mesh("a.im").triangleCount);
-    const AnimationFile a = place.Animation("a.kin"), b = place.Animation("b.kin");
-    ASSERT_EQ(a.poses.size(), b.poses.size()) << scene;
-    for (size_t i = 0; i < a.poses.size(); ++i) {
-      EXPECT_NEAR(std::abs((a.poses[i].rotation * Conjugate(b.poses[i].rotation)).w), 1, 1e-5);
-      ExpectNear(a.poses[i].position * a.masterScale, b.poses[i].position * b.masterScale, 1,
-                 scene);
-    }
-  }
-}
-
 }  // namespace
 }  // namespace orv

@@ -180,6 +180,9 @@ TEST(SideFiles, FileThatCannotBeReplaced) {
   ASSERT_EQ(forced.ui.log.size(), 3u);
   EXPECT_EQ(forced.ui.log[1], "error: Could not open texture file " + path + " for writing.");
   EXPECT_EQ(folder.Count(), 1u);
+  WriteTextureSideFiles(again = With({Map(kDiffuse, "w.tga")}), std::string(600, 'x'), forced.ui,
+                        forced.ask, forced.force);
+  EXPECT_EQ(again.maps[0].fileName, std::string(514, 'x'));
 }
 
 TEST(SideFiles, TexturesAreCopiedOnceFromWhereTheyAreFound) {

@@ -59,6 +59,8 @@ TEST(CheckFiles, ReportsNameTheFileTheWorstFirst) {
   ExIndexedMesh mesh = GoodSkin();
   mesh.chunks[1].material.opacity = 7;
   mesh.chunks[1].normals[0] = {};
+  mesh.chunks[0].triangles[0] = Triangle{1, 2, 0};
+  for (int i = 0; i < 17; ++i) AddInfluence(*mesh.influences[0], std::to_string(i), {{0, 1, {}}});
   const std::string files[][2] = {{"walk.kin", GoodAnimationBytes()},
                                   {"good.im", good + "more"},
                                   {"mixed.im", Written(mesh).bytes},

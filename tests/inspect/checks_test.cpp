@@ -193,7 +193,8 @@ TEST(Checks, WhatIsWrongWithTheContentOfAModel) {
        DAMAGE(Bone(f, 1).m_weights.push_back({0, -0.00005f, {}})),
        DAMAGE(Bone(f, 1).m_weights.push_back({0, -0.0002f, {}})),
        DAMAGE(Bone(f).m_weights.pop_back()),
-       DAMAGE(Bone(f).m_weights.push_back({2, 1, {}}))});
+       DAMAGE(Bone(f).m_weights.push_back({2, 1, {}})),
+       DAMAGE(Bone(f).m_weights[1].weight = 0.125f, Bone(f).m_weights.push_back({1, 0.125f, {}}))});
 }
 
 TEST(Checks, WhatIsWrongWithBones) {
