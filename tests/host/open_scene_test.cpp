@@ -56,6 +56,7 @@ TEST(OpenScene, FbxSaysItsUnitAndFrameRate) {
     EXPECT_FLOAT_EQ(static_cast<float>(info.metresPerUnit), c.metres) << c.unit;
     EXPECT_EQ(info.framesPerSecond, c.framesPerSecond) << c.mode;
     EXPECT_EQ(info.lastFrame, c.framesPerSecond) << c.mode;
+    EXPECT_EQ(scene->FindNode("group")->GetNodeTM(0).GetTrans(), Point3(1, 2, 3)) << "z is up";
   }
 }
 

@@ -57,6 +57,9 @@ TEST(MeshNormals, SharedGroupsJoinFacesHoweverTheseAreCut) {
 TEST(MeshNormals, SpecifiedOnesSurviveCopiesAndAreRefusedWhenTheyDoNotFit) {
   Mesh mesh = Corner({1, 1, 4});
   EXPECT_EQ(mesh.FaceNormal(1), Point3(0, 0, 1));
+  mesh.faces[2].setMatID(4);
+  mesh.faces[2].setMatID(3);
+  EXPECT_EQ(mesh.faces[2].getMatID(), 3);
   mesh.setNumVerts(4);
   mesh.verts[2] = {2, 0, 0};
   EXPECT_EQ(mesh.FaceNormal(1, TRUE), Point3());
@@ -67,6 +70,10 @@ TEST(MeshNormals, SpecifiedOnesSurviveCopiesAndAreRefusedWhenTheyDoNotFit) {
   EXPECT_FALSE(mesh.specifyNormals(std::vector<uint8_t>{2, 1, 3}, normals));
   EXPECT_FALSE(mesh.specifyNormals(std::vector<uint8_t>{2, 1, 0, 4}, normals));
   EXPECT_TRUE(mesh.specifyNormals(std::vector<uint8_t>{2, 1, 0, 3}, normals));
+  mesh.setNumVerts(4);
+  mesh.buildNormals();
+  EXPECT_EQ(GroupsOf(mesh, 0), (std::vector<DWORD>{1, 4})) << "other vertices, other normals";
+  mesh.specifyNormals(std::vector<uint8_t>{2, 1, 0, 3}, normals);
   Mesh copy(mesh);
   mesh.getRVert(0).ern[1].setNormal({5, 5, 5});
   mesh = std::move(copy);
