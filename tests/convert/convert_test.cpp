@@ -59,7 +59,8 @@ std::string Tga(const std::string& pixel) {
 // tell, the fin where its own do, mirrored, the prop where the animation begins, the tail nowhere.
 IndexedMeshFile SkinFile() {
   IndexedMeshFile file = FileOf(std::vector<IndexedMesh::Chunk>(4, TriangleChunk()));
-  auto& [skin, leaf, fin, pane] = *reinterpret_cast<IndexedMesh::Chunk(*)[4]>(&file.mesh.chunks[0]);
+  auto &skin = file.mesh.chunks[0], &leaf = file.mesh.chunks[1], &fin = file.mesh.chunks[2],
+       &pane = file.mesh.chunks[3];
   skin.material.name = "h\xE4ut m.onetex.tbump";
   skin.material.maps = {Map(kDiffuse, "C:\\a/skin.texture"), Map(kBump, "bump.texture", 0.5f),
                         Map(kSelfIllumination, "glow.png"), Map(kSpecular, "not.looked.for", 2)};
@@ -91,11 +92,7 @@ IndexedMeshFile SkinFile() {
   AddBone(AddChunkInfluence(file.mesh), "b.fin", "rig", {}, kUnturned,
           {{0, 1, {2, 0, 0}}, {1, 1, {1, 0, 0}}, {2, 1, {2, 1, 0}}, {3, 1, {2, 0, 1}}});
   AddChunkInfluence(file.mesh);
-  file.mesh.attachmentPoints = {{kQuarterTurn,
-                                 {1, 2, 3},
-                                 "l\xFC"
-                                 "cke"},
-                                {kMirrored, {}, "twin"}};
+  file.mesh.attachmentPoints = {{kQuarterTurn, {1, 2, 3}, "t\xFCr"}, {kMirrored, {}, "twin"}};
   return file;
 }
 
@@ -177,12 +174,8 @@ TEST(Convert, WhatIsForbiddenIsMended) {
   file.mesh.chunks[2].triangles.clear();
   GenericMeshInfluence& influence = AddChunkInfluence(file.mesh);
   for (int i = 0; i < 18; ++i) {
-    AddBone(influence, "b." + std::to_string(i),
-            i == 0   ? "b.1"
-            : i == 1 ? "b.0"
-                     : "b.1",
-            {1, 0, 0}, i == 2 ? Matrix33{} : kUnturned,
-            {{0, 0.01f * static_cast<float>(i + 1), {}}});
+    AddBone(influence, "b." + std::to_string(i), i == 1 ? "b.0" : "b.1", {1, 0, 0},
+            i == 2 ? Matrix33{} : kUnturned, {{0, 0.01f * static_cast<float>(i + 1), {}}});
   }
   auto& weights = influence.m_bones[4]->m_weights;
   weights.insert(weights.end(), {{1, 0.25f, {}}, {1, 0.5f, {}}, {2, 0.5f, {}}});
