@@ -45,11 +45,12 @@ Lines TriangleLines(const IndexedMeshFile& file) {
     if (!file.mesh.influences.empty()) AddBones(*file.mesh.influences[i], corners);
     for (const auto& [a, b, c] : chunk.triangles) {
       Lines triangle = {corners[a], corners[b], corners[c]};
-      std::ranges::rotate(triangle, std::ranges::min_element(triangle));
+      std::rotate(triangle.begin(), std::min_element(triangle.begin(), triangle.end()),
+                  triangle.end());
       lines.push_back(chunk.material.name + triangle[0] + "," + triangle[1] + "," + triangle[2]);
     }
   }
-  std::ranges::sort(lines);
+  std::sort(lines.begin(), lines.end());
   return lines;
 }
 
