@@ -17,10 +17,6 @@ bool GenericMeshInfluence::NameEqual::operator()(std::string_view a, std::string
 }
 
 GenericBoneInfluence* GenericMeshInfluence::FindBone(std::string_view name) const {
-  if (m_indexed > m_bones.size()) {
-    m_firstByName.clear();
-    m_indexed = 0;
-  }
   // Of several bones of one name the first keeps the entry.
   for (; m_indexed < m_bones.size(); ++m_indexed) {
     m_firstByName.emplace(m_bones[m_indexed]->m_name, m_indexed);
