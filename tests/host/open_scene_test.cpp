@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "TemporaryFolder.h"
 
 namespace orv::host {
@@ -57,6 +59,11 @@ TEST(OpenScene, FbxSaysItsUnitAndFrameRate) {
     EXPECT_EQ(info.framesPerSecond, c.framesPerSecond) << c.mode;
     EXPECT_EQ(info.lastFrame, c.framesPerSecond) << c.mode;
     EXPECT_EQ(scene->FindNode("group")->GetNodeTM(0).GetTrans(), Point3(1, 2, 3)) << "z is up";
+    // A corner after a second, by the steps that the importer makes of the door's transform: turned
+    // by 90 degrees about (2, 0.5, 0), tilted by 30 about y, moved, scaled and moved.
+    const TimeValue second = info.lastFrame * scene->TicksPerFrame();
+    const Point3 corner = Point3(2, 1, 0) * scene->FindNode("door")->GetNodeTM(second);
+    EXPECT_LT(Length(corner - Point3(5 - std::sqrt(0.75f), 5, 3.5f)), 1e-5);
   }
 }
 
