@@ -152,7 +152,9 @@ TEST_F(Dialogs, QuestionAnswersAreThoseOfItsButtons) {
     for (const std::string& name : sideFiles)
       WriteContent(m_place.Path(name + ".texture.txt"), "old");
     StartExport({"--no-animation"});
-    Do("options; leave &Start; question; " + steps + "; log; leave Close");
+    Do("options; leave &Start; question");
+    EXPECT_TRUE(m_desktop.ShowsColor({"\0\0\xCC", 3})) << "it is in the icon for warnings alone";
+    Do(steps + "; log; leave Close");
     ExpectEnd(0);
     for (size_t i = 0; i < sideFiles.size(); ++i)
       EXPECT_EQ(m_place.Content(sideFiles[i] + ".texture.txt") != "old", i < count) << steps;
@@ -209,7 +211,8 @@ TEST_F(Dialogs, MissingOrFailingOnesAreTold) {
   ExpectCancelled("They need an X display");
   WriteContent(bin / "libmonosgen-2.0.so.1", "no library");
   StartExport({}, {{"LD_LIBRARY_PATH", bin.string()}});
-  ExpectCancelled("apt-get install libmonosgen-2.0-1");
+  ExpectCancelled("They need the .NET runtime Mono: " + (bin / "libmonosgen-2.0.so.1").string());
+  ExpectSaidOnce("apt-get install libmonosgen-2.0-1");
 
   fs::copy_file(ORV_DIALOG_ASSEMBLIES "/Failing.dll", assembly,
                 fs::copy_options::overwrite_existing);
